@@ -1,0 +1,1 @@
+#include "VistrelPlatform/Screen.h"
