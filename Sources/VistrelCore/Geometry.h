@@ -56,9 +56,7 @@ struct Rect {
     Rect offsetBy(Point by) const { return {x + by.x, y + by.y, width, height}; }
 
     /// Lower edges belong to the rectangle, upper edges do not; an empty rectangle contains nothing.
-    bool contains(Point p) const {
-        return p.x >= minX() && p.x < maxX() && p.y >= minY() && p.y < maxY();
-    }
+    bool contains(Point p) const { return p.x >= minX() && p.x < maxX() && p.y >= minY() && p.y < maxY(); }
     /// Edges included: `other` may touch the border.
     bool contains(const Rect& other) const {
         return other.minX() >= minX() && other.maxX() <= maxX() && other.minY() >= minY() &&
