@@ -26,4 +26,8 @@ inline constexpr KeyCode leftArrow = 123;
 inline constexpr KeyCode rightArrow = 124;
 inline constexpr KeyCode downArrow = 125;
 inline constexpr KeyCode upArrow = 126;
+/// Keys without a number of their own are this plus the kernel's key code.
+inline constexpr KeyCode firstUnnamed = 0x1000;
+/// The Print Screen key of a PC keyboard (F13 is a key of its own).
+inline constexpr KeyCode printScreen = firstUnnamed + 99;
 } // namespace Key
