@@ -1,0 +1,82 @@
+#pragma once
+
+#include "Annotations/EditorAnnotation.h"
+
+#include <QWidget>
+
+#include <array>
+#include <functional>
+#include <span>
+#include <vector>
+
+class CaptureColorWell;
+class EditorButton;
+class EditorPanel;
+class EditorSizeControls;
+class LayerTableView;
+class QLabel;
+
+/// Lies over a whole overlay and carries the tools panel and the layers panel. Owns no editing state:
+/// shows what it is given and reports what the user wants. Frames are the parent's y-down points.
+class EditorSidebar : public QWidget {
+    Q_OBJECT
+public:
+    struct Content {
+        /// Oldest first.
+        std::span<const EditorAnnotation> annotations;
+        std::optional<QUuid> selected;
+        AnnotationTool tool = AnnotationTool::select;
+        /// Rebuilds the rows even if none has changed.
+        bool force = false;
+    };
+    struct Frames {
+        QRectF tools;
+        QRectF layers;
+        double scale = 1;
+    };
+
+    explicit EditorSidebar(QWidget* parent = nullptr);
+
+    std::function<void(AnnotationTool)> onTool;
+    std::function<void(const QUuid&)> onSelect;
+    std::function<void(const QUuid&)> onDelete;
+    /// The layer and its new index in the annotation list, oldest first, counted without the layer.
+    std::function<void(const QUuid&, int)> onReorder;
+
+    using QWidget::update;
+    void update(const Content& content);
+    /// Installs the two history buttons and takes ownership of them.
+    void addHistoryControls(EditorButton& undo, EditorButton& redo);
+    /// Installs the colour well and takes ownership of it.
+    void setColorControl(CaptureColorWell& well);
+    /// Stands the two panels at their frames, magnified.
+    void place(const Frames& frames);
+
+    /// The size strip; the owner fills it.
+    EditorSizeControls& controls() const { return *sizeControls; }
+    EditorPanel& tools() const { return *toolsPanel; }
+    EditorPanel& layerPanel() const { return *layersPanel; }
+    LayerTableView& table() const { return *layerTable; }
+    EditorButton& button(AnnotationTool tool) const { return *buttons[static_cast<std::size_t>(tool)]; }
+    QString heading() const;
+    int rowCount() const;
+    /// True over a panel that is shown; `position` in this widget's points.
+    bool isOverPanel(QPointF position) const;
+
+private:
+    void buildTools();
+    void buildLayers();
+    void layoutTools();
+    void layoutLayers();
+    void layoutFocusOrder();
+
+    Frames current;
+    EditorPanel* toolsPanel;
+    EditorPanel* layersPanel;
+    EditorSizeControls* sizeControls;
+    QLabel* headingLabel;
+    LayerTableView* layerTable;
+    std::array<EditorButton*, AnnotationTools::count> buttons{};
+    std::array<EditorButton*, 2> historyButtons{};
+    CaptureColorWell* colorControl = nullptr;
+};
