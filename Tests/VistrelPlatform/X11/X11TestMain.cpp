@@ -1,0 +1,31 @@
+#include "VistrelPlatform/X11/X11TestSession.h"
+
+#include <QApplication>
+#include <QStandardPaths>
+
+#include <gtest/gtest.h>
+
+namespace {
+DesktopSession* currentSession = nullptr;
+}
+
+DesktopSession& testSession() {
+    return *currentSession;
+}
+
+int main(int argc, char** argv) {
+    ::testing::InitGoogleTest(&argc, argv);
+    if (GTEST_FLAG_GET(list_tests))
+        return RUN_ALL_TESTS();
+    DesktopSession session({.screenSize = testScreenSize, .monitors = {}, .scaleFactors = {}});
+    currentSession = &session;
+    qputenv("DISPLAY", session.displayName());
+    qputenv("QT_QPA_PLATFORM", "xcb");
+    // A monitor's scale follows from its name, so that one program sees all of them.
+    qputenv("QT_SCREEN_SCALE_FACTORS", "one=1;oneQuarter=1.25;oneHalf=1.5;two=2");
+    qunsetenv("DBUS_SESSION_BUS_ADDRESS");
+    QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    QStandardPaths::setTestModeEnabled(true);
+    return RUN_ALL_TESTS();
+}

@@ -1,0 +1,7 @@
+#pragma once
+
+#include "Desktop/Fixture/DesktopSession.h"
+
+/// The session that this test program and its application object live in.
+inline constexpr QSize testScreenSize{2400, 1200};
+DesktopSession& testSession();
