@@ -1,0 +1,57 @@
+#include "VistrelPlatform/System/MachineFacts.h"
+
+#include "VistrelPlatform/System/Files.h"
+
+#include <QRegularExpression>
+#include <QStringList>
+#include <QSysInfo>
+
+namespace {
+constexpr qint64 longestProductName = 127;
+}
+
+MachineFacts MachineFacts::current() {
+    MachineFacts facts;
+    facts.systemVersion =
+        versionTriple(QSysInfo::productVersion())
+            .value_or(versionTriple(QSysInfo::kernelVersion()).value_or(QStringLiteral("0.0.0")));
+    facts.architecture = QSysInfo::buildCpuArchitecture();
+    facts.productName = productNameIn(QStringLiteral("/sys/class/dmi/id/product_name"));
+    facts.translated = isTranslated(facts.architecture, QSysInfo::currentCpuArchitecture());
+    return facts;
+}
+
+std::optional<QString> MachineFacts::versionTriple(const QString& text) {
+    static const QRegularExpression pattern(
+        QStringLiteral("^([0-9]{1,9})(?:\\.([0-9]{1,9}))?(?:\\.([0-9]{1,9}))?"));
+    const QRegularExpressionMatch match = pattern.match(text);
+    if (!match.hasMatch())
+        return std::nullopt;
+    QStringList numbers;
+    for (int index = 1; index <= 3; ++index)
+        numbers.append(QString::number(match.captured(index).toInt()));
+    return numbers.join(u'.');
+}
+
+std::optional<QString> MachineFacts::productNameIn(const QString& file) {
+    // Files of this kind report a whole page as their size.
+    const Result<QByteArray> bytes = Files::read(file, 65536);
+    if (!bytes || bytes->isEmpty() || bytes->size() > longestProductName)
+        return std::nullopt;
+    const QString name = QString::fromUtf8(bytes->split('\0').first()).trimmed();
+    if (name.isEmpty())
+        return std::nullopt;
+    return name;
+}
+
+bool MachineFacts::isTranslated(const QString& built, const QString& kernel) {
+    // A 64-bit kernel runs the 32-bit programs of its own family without translation.
+    const auto family = [](const QString& architecture) {
+        if (architecture == QLatin1StringView("i386"))
+            return QStringLiteral("x86_64");
+        if (architecture == QLatin1StringView("arm"))
+            return QStringLiteral("arm64");
+        return architecture;
+    };
+    return family(built) != family(kernel);
+}
