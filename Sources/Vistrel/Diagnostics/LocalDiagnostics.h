@@ -32,12 +32,13 @@ public:
     };
 
     struct Configuration {
-        /// Where the three files live.
+        /// Where the three files live; empty means "Diagnostics" in the user's data folder.
         QString directory;
-        /// The program's own version, "development" for a build that was not installed.
-        QString version = QStringLiteral("development");
+        /// The program's own version; anything but two to four numbers counts as "development".
+        QString version;
         /// Bytes per file.
         qint64 limit = 524288;
+        /// The clock, called on any thread; the system's when empty.
         std::function<QDateTime()> now;
     };
 
@@ -47,7 +48,13 @@ public:
     LocalDiagnostics& operator=(const LocalDiagnostics&) = delete;
     ~LocalDiagnostics();
 
+    /// The user's switch, read from the defaults at every use.
     bool enabled() const;
+    /// Sets the switch and nothing else. Main thread.
+    void setEnabled(bool enabled);
+    /// What every event is signed with.
+    const QString& version() const;
+
     /// Once, at launch: notes an unfinished previous launch, then this one.
     void start();
     void record(Diagnostic::Action action, const Diagnostic::Details& details = {});
