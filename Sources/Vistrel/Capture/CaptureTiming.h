@@ -65,6 +65,8 @@ public:
     static QByteArray encode(const Report& report);
     /// Several reports as one JSON array, written the same way.
     static QByteArray encode(const std::vector<Report>& reports);
+    /// Nothing for anything that `encode` of one report could not have written.
+    static std::optional<Report> decode(const QByteArray& bytes);
     /// "Vistrel/last-capture-timing.json" in the user's data folder.
     static QString reportPath();
     /// Replaces the last report on disk. A failure is logged and otherwise ignored.
