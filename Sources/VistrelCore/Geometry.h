@@ -46,10 +46,13 @@ struct Rect {
     /// The same area with non-negative width and height.
     Rect standardized() const { return {minX(), minY(), std::abs(width), std::abs(height)}; }
 
-    /// Moves every edge inwards by the amount (outwards when negative).
+    /// Moves every edge inwards by the amount (outwards when negative). Opposite edges that would pass
+    /// each other meet in the middle.
     Rect insetBy(double dx, double dy) const {
         const Rect r = standardized();
-        return {r.x + dx, r.y + dy, r.width - 2 * dx, r.height - 2 * dy};
+        const double across = std::min(dx, r.width / 2);
+        const double down = std::min(dy, r.height / 2);
+        return {r.x + across, r.y + down, r.width - 2 * across, r.height - 2 * down};
     }
     Rect insetBy(double amount) const { return insetBy(amount, amount); }
 

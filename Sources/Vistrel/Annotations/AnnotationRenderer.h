@@ -2,16 +2,17 @@
 
 #include "Annotations/EditorAnnotation.h"
 
-#include <QHash>
 #include <QImage>
-#include <QUuid>
 
+#include <memory>
 #include <span>
 
+class EffectPatches;
 class QPainter;
 
 /// Paints layers over the captured picture, on the canvas and in the export alike. Keeps the computed
-/// patches of blur and pixelate layers until told that they may have changed. One owner, one thread.
+/// pixels of blur and pixelate layers and checks them against the layers below and the picture before
+/// each use, so nobody has to report changes. One owner, one thread.
 class AnnotationRenderer {
 public:
     /// What the layers are painted over. `image` is the whole display (pixels), `bounds` the area it
@@ -22,23 +23,18 @@ public:
         Rect selection;
     };
 
-    /// Bottom (first) to top (last). The painter's coordinates are view points, y up.
+    AnnotationRenderer();
+    ~AnnotationRenderer();
+    AnnotationRenderer(const AnnotationRenderer&) = delete;
+    AnnotationRenderer& operator=(const AnnotationRenderer&) = delete;
+
+    /// Bottom (first) to top (last). The painter's coordinates are view points, y up. Work is limited to
+    /// what the painter's clip lets through.
     void draw(std::span<const EditorAnnotation> annotations, QPainter& painter, const Canvas& canvas);
 
-    /// Forgets every patch.
+    /// Gives back the memory of all patches, for when a capture is over.
     void clearPatches();
-    /// Forgets one layer's patch.
-    void removePatch(const QUuid& id);
 
 private:
-    struct Patch {
-        QImage image;
-        Rect rect; // view points
-    };
-    void drawLayer(std::span<const EditorAnnotation> annotations, std::size_t index, QPainter& painter,
-                   const Canvas& canvas);
-    std::optional<Patch> makePatch(const EditorAnnotation& annotation,
-                                   std::span<const EditorAnnotation> prefix, const Canvas& canvas);
-
-    QHash<QUuid, Patch> patches;
+    std::unique_ptr<EffectPatches> patches;
 };

@@ -4,13 +4,17 @@
 
 namespace {
 
+double barbLength(double width) {
+    constexpr double shortestBarb = 14;
+    return std::max(3 * width, shortestBarb);
+}
+
 void addArrowHead(QPainterPath& path, const EditorAnnotation& arrow) {
     constexpr double barbAngle = std::numbers::pi / 6;
-    constexpr double shortestBarb = 14;
     const Point first = arrow.points.front();
     const Point tip = arrow.points.back();
     const double direction = std::atan2(tip.y - first.y, tip.x - first.x);
-    const double length = std::max(3 * arrow.width, shortestBarb);
+    const double length = barbLength(arrow.width);
     for (const double angle : {direction - barbAngle, direction + barbAngle}) {
         path.moveTo(tip.x, tip.y);
         path.lineTo(tip.x - length * std::cos(angle), tip.y - length * std::sin(angle));
@@ -40,6 +44,19 @@ Rect EditorAnnotation::bounds() const {
     if (tool == AnnotationTool::pixelate || tool == AnnotationTool::text)
         return geometry;
     return geometry.insetBy(-width / 2);
+}
+
+Rect EditorAnnotation::paintedBounds() const {
+    double reach = width / 2;
+    if (tool == AnnotationTool::arrow)
+        reach += barbLength(width);
+    else if (tool == AnnotationTool::text)
+        reach = width;
+    else if (tool == AnnotationTool::pixelate)
+        reach = 0;
+    // Smoothed edges, and boxes that are rounded outwards to whole pixels.
+    constexpr double edge = 2;
+    return geometryBounds().insetBy(-reach - edge);
 }
 
 QPainterPath EditorAnnotation::path() const {

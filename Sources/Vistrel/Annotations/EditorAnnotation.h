@@ -29,8 +29,10 @@ struct EditorAnnotation {
 
     /// The smallest rectangle around all points; zero without points.
     Rect geometryBounds() const;
-    /// The area the layer can paint on.
+    /// The frame shown around the selected layer: the geometry and half the stroke on every side.
     Rect bounds() const;
+    /// Everything the layer may paint on, with arrow barbs and letters that hang over. For repaints.
+    Rect paintedBounds() const;
     /// The line to stroke and to hit-test, arrow heads included.
     QPainterPath path() const;
     EditorAnnotation movedBy(Point offset) const;
