@@ -1,0 +1,109 @@
+#include "Overlay/CanvasPainter.h"
+
+#include "Overlay/OverlayExport.h"
+
+#include <QPainter>
+
+CanvasPainter::CanvasPainter(QPainter& canvasPainter, const QRegion& damaged)
+    : painter(canvasPainter), region(damaged) {}
+
+QColor CanvasPainter::background() {
+    return QColor::fromRgbF(0.3F, 0.3F, 0.3F);
+}
+
+QColor CanvasPainter::haze() {
+    return QColor::fromRgbF(0.3F, 0.3F, 0.3F, 0.4F);
+}
+
+void CanvasPainter::paintPicture(const Picture& picture) {
+    const QRect& bright = picture.layout.selection;
+    const QColor shade = haze();
+    for (const QRect& rect : region) {
+        // A clip of one rectangle keeps the copy and the blend on their fast paths.
+        painter.setClipRect(rect);
+        const QRect source = rect & picture.presentation.rect();
+        painter.drawImage(source.topLeft(), picture.presentation, source);
+        for (const QRect& dimmed : QRegion(rect) - QRegion(bright))
+            painter.fillRect(dimmed, shade);
+    }
+    painter.setClipRegion(region);
+    for (const QRect& beyond : region - QRegion(picture.presentation.rect()))
+        painter.fillRect(beyond, background());
+}
+
+void CanvasPainter::paintLayers(const OverlayDocument& document, AnnotationRenderer& renderer,
+                                const Picture& picture) {
+    if (document.state.annotations.empty() || !region.intersects(picture.layout.selection))
+        return;
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setTransform(picture.space.viewToPixels(), true);
+    OverlayExport::drawLayers(document, renderer, painter);
+    painter.restore();
+}
+
+void CanvasPainter::paintDecorations(const Picture& picture, const BadgeText& badgeText,
+                                     const QColor& accent) {
+    const DecorationLayout& layout = picture.layout;
+    for (const QRect& strip : layout.frameRegion())
+        painter.fillRect(strip, Qt::white);
+    for (const QRect& handle : layout.handles)
+        paintHandle(handle, picture.space, true);
+    for (const QRect& strip : layout.layerFrameRegion())
+        painter.fillRect(strip, accent);
+    for (const QRect& handle : layout.layerHandles)
+        paintHandle(handle, picture.space, false);
+    if (layout.badge)
+        paintBadge(*layout.badge, picture.space, badgeText);
+}
+
+void CanvasPainter::paintHandle(const QRect& handle, const CanvasSpace& space, bool outlined) {
+    if (!region.intersects(handle))
+        return;
+    if (!outlined) {
+        painter.fillRect(handle, Qt::white);
+        return;
+    }
+    constexpr double outlinePoints = 0.5;
+    constexpr double radiusPoints = 1;
+    // Half a point is less than a pixel at scale 1: a whole pixel at that strength, never a blurred one.
+    const double wanted = outlinePoints * space.scale();
+    const double thickness = std::max(1.0, std::round(wanted));
+    QColor outline = QColor::fromRgbF(0.333F, 0.333F, 0.333F);
+    outline.setAlphaF(static_cast<float>(std::min(1.0, wanted / thickness)));
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Qt::white);
+    const double radius = radiusPoints * space.scale();
+    painter.drawRoundedRect(handle, radius, radius);
+    painter.setPen(QPen(outline, thickness));
+    painter.setBrush(Qt::NoBrush);
+    const double inset = thickness / 2;
+    painter.drawRoundedRect(QRectF(handle).adjusted(inset, inset, -inset, -inset), radius - inset / 2,
+                            radius - inset / 2);
+    painter.restore();
+}
+
+void CanvasPainter::paintBadge(const DecorationLayout::Badge& badge, const CanvasSpace& space,
+                               const BadgeText& badgeText) {
+    if (!region.intersects(badge.frame))
+        return;
+    constexpr double radiusPoints = 6;
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(QColor::fromRgbF(0, 0, 0, 0.86F));
+    const double radius = radiusPoints * space.scale();
+    painter.drawRoundedRect(badge.frame, radius, radius);
+
+    const Size text = badgeText.size(badge.text);
+    const double scale = space.scale();
+    const QPointF topLeft(std::round(badge.frame.x() + (badge.frame.width() - text.width * scale) / 2),
+                          std::round(badge.frame.y() + (badge.frame.height() - text.height * scale) / 2));
+    painter.translate(topLeft);
+    painter.scale(scale, scale);
+    painter.setPen(Qt::white);
+    badgeText.draw(painter, QPointF(), badge.text);
+    painter.restore();
+}

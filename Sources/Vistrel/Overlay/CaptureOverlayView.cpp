@@ -1,0 +1,301 @@
+#include "Overlay/CaptureOverlayView.h"
+
+#include "Annotations/ViewFlip.h"
+#include "Overlay/CanvasCursor.h"
+#include "Overlay/CanvasPainter.h"
+#include "Overlay/CanvasTextEditor.h"
+#include "Overlay/KeyEventTranslation.h"
+#include "Overlay/OverlayEditor.h"
+#include "Overlay/SelectionCursors.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QPainter>
+
+/// What the canvas shows, beside the session itself.
+struct CanvasState {
+    QImage presentation;
+    CanvasSpace space;
+    BadgeText badgeText;
+    DecorationLayout layout;
+    std::optional<CanvasCursor> cursor;
+
+    ViewFlip flip() const { return {space.viewSize.height}; }
+};
+
+CaptureOverlayView::CaptureOverlayView(EditorPreferences& editorPreferences, QWidget* parent)
+    : QWidget(parent),
+      preferences(editorPreferences),
+      canvas(std::make_unique<CanvasState>()),
+      editor(std::make_unique<OverlayEditor>()) {
+    setObjectName(QStringLiteral("captureCanvas"));
+    setAccessibleName(QStringLiteral("Capture canvas"));
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setAttribute(Qt::WA_NoSystemBackground);
+    setFocusPolicy(Qt::StrongFocus);
+    setMouseTracking(true);
+    setCursor(Qt::CrossCursor);
+    editor->session.hooks = makeHooks();
+}
+
+CaptureOverlayView::~CaptureOverlayView() {
+    // The open editor is a child of this widget.
+    editor->text.discard();
+}
+
+OverlayHooks CaptureOverlayView::makeHooks() {
+    return {.onDiagnosticEvent =
+                [this](Diagnostic::Action action, const Diagnostic::Details& details) {
+                    if (onDiagnosticEvent)
+                        onDiagnosticEvent(action, details);
+                },
+            .onClose =
+                [this] {
+                    if (onClose)
+                        onClose();
+                },
+            .onSelection =
+                [this] {
+                    if (onSelection)
+                        onSelection();
+                },
+            .onCopy =
+                [this](const QImage& image) {
+                    if (onCopy)
+                        onCopy(image);
+                },
+            .onSave =
+                [this](const QImage& image) {
+                    if (onSave)
+                        onSave(image);
+                },
+            .onChange = [this] { updateGeometry(); },
+            .focusCanvas = [this] { focusCanvas(); },
+            .closeColorPicker = [] {},
+            .doubleClickOutsideToCancel = [this] { return preferences.doubleClickOutsideToCancel(); },
+            .openTextEditor =
+                [this](const TextEditorSetup& setup) {
+                    auto opened = std::make_unique<CanvasTextEditor>(*this, canvas->flip(), setup);
+                    opened->setCallbacks([this] { editor->text.commit(); },
+                                         [this] { editor->text.cancel(); });
+                    return opened;
+                }};
+}
+
+void CaptureOverlayView::resetSession(const CapturedImage& captured, double displayScale, Size viewSize) {
+    editor->text.discard();
+    OverlaySession& session = editor->session;
+    session.document.reset(captured.image, displayScale, viewSize);
+    session.renderer.clearPatches();
+    session.damage.take();
+    onFirstDraw = nullptr;
+    onFirstDrawStarted = nullptr;
+
+    canvas->presentation = captured.presentation.isNull() ? captured.image : captured.presentation;
+    canvas->presentation.setDevicePixelRatio(1);
+    canvas->space = {viewSize, canvas->presentation.size()};
+    canvas->layout = DecorationLayout::of(session.document, canvas->space, canvas->badgeText);
+    canvas->cursor.reset();
+    setCursor(Qt::CrossCursor);
+    update();
+}
+
+bool CaptureOverlayView::hasImage() const {
+    return editor->session.document.hasImage();
+}
+
+Rect CaptureOverlayView::selection() const {
+    return editor->session.document.selection;
+}
+
+AnnotationTool CaptureOverlayView::tool() const {
+    return editor->session.document.tool;
+}
+
+int CaptureOverlayView::layerCount() const {
+    return static_cast<int>(editor->session.document.state.annotations.size());
+}
+
+int CaptureOverlayView::drawingSize() const {
+    return editor->session.document.drawingSize();
+}
+
+void CaptureOverlayView::clearForOtherDisplay() {
+    editor->text.discard();
+    editor->session.document.clearEditing();
+    editor->session.renderer.clearPatches();
+    updateGeometry();
+}
+
+void CaptureOverlayView::discardText() {
+    editor->text.discard();
+    repaintChanges();
+}
+
+void CaptureOverlayView::cancelOperation() {
+    editor->keys.cancelOperation();
+}
+
+std::optional<QImage> CaptureOverlayView::outputImage() {
+    return editor->output.outputImage();
+}
+
+void CaptureOverlayView::updateGeometry() {
+    updatePanels();
+    repaintChanges();
+    refreshCanvasCursor();
+}
+
+void CaptureOverlayView::updatePanels() {}
+
+void CaptureOverlayView::repaintChanges() {
+    OverlaySession& session = editor->session;
+    const std::vector<Rect> damaged = session.damage.take();
+    if (!hasImage())
+        return;
+    DecorationLayout next = DecorationLayout::of(session.document, canvas->space, canvas->badgeText);
+    QRegion changed;
+    // Half-covered pixels at the rim of what changed.
+    constexpr double rim = 1;
+    for (const Rect& rect : damaged)
+        changed += canvas->space.pixelsOf(rect.insetBy(-rim));
+    // Layers show only inside the selection.
+    changed &= QRegion(canvas->layout.selection) + next.selection;
+    changed += DecorationLayout::difference(canvas->layout, next);
+    canvas->layout = std::move(next);
+
+    const double scale = canvas->space.scale();
+    QRegion points;
+    for (const QRect& rect : changed)
+        points += QRectF(rect.x() / scale, rect.y() / scale, rect.width() / scale, rect.height() / scale)
+                      .toAlignedRect();
+    update(points);
+}
+
+void CaptureOverlayView::paintEvent(QPaintEvent* event) {
+    QPainter painter(this);
+    const OverlayDocument& document = editor->session.document;
+    if (!document.hasImage()) {
+        painter.fillRect(event->rect(), CanvasPainter::background());
+        return;
+    }
+    if (const auto started = std::exchange(onFirstDrawStarted, nullptr))
+        started();
+    // From here on the painter's units are device pixels.
+    const double scale = canvas->space.scale();
+    painter.scale(1 / scale, 1 / scale);
+    QRegion region;
+    for (const QRect& rect : event->region())
+        region += QRectF(rect.x() * scale, rect.y() * scale, rect.width() * scale, rect.height() * scale)
+                      .toAlignedRect();
+    const CanvasPainter::Picture picture = {
+        .presentation = canvas->presentation, .space = canvas->space, .layout = canvas->layout};
+    CanvasPainter canvasPainter(painter, region);
+    canvasPainter.paintPicture(picture);
+    canvasPainter.paintLayers(document, editor->session.renderer, picture);
+    canvasPainter.paintDecorations(picture, canvas->badgeText, palette().color(QPalette::Highlight));
+    painter.end();
+    if (const auto drawn = std::exchange(onFirstDraw, nullptr))
+        drawn();
+}
+
+Point CaptureOverlayView::viewPoint(QPointF position) const {
+    return canvas->flip().toView(position);
+}
+
+void CaptureOverlayView::press(QMouseEvent* event, int clickCount) {
+    if (event->button() != Qt::LeftButton || !hasImage()) {
+        event->ignore();
+        return;
+    }
+    editor->gestures.press({.location = viewPoint(event->position()), .clickCount = clickCount});
+}
+
+void CaptureOverlayView::mousePressEvent(QMouseEvent* event) {
+    press(event, 1);
+}
+
+void CaptureOverlayView::mouseDoubleClickEvent(QMouseEvent* event) {
+    press(event, 2);
+}
+
+void CaptureOverlayView::mouseMoveEvent(QMouseEvent* event) {
+    if (event->buttons() & Qt::LeftButton)
+        editor->gestures.drag(viewPoint(event->position()));
+    refreshCanvasCursor(event->position());
+}
+
+void CaptureOverlayView::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton)
+        editor->gestures.release(viewPoint(event->position()));
+    refreshCanvasCursor(event->position());
+}
+
+void CaptureOverlayView::enterEvent(QEnterEvent* event) {
+    refreshCanvasCursor(event->position());
+}
+
+void CaptureOverlayView::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    updatePanels();
+}
+
+void CaptureOverlayView::keyPressEvent(QKeyEvent* event) {
+    if (!hasImage() || !editor->keys.keyDown(keyEventFrom(*event), keyFocus()))
+        QWidget::keyPressEvent(event);
+}
+
+bool CaptureOverlayView::performKeyEquivalent(QKeyEvent& event) {
+    const KeyEvent key = keyEventFrom(event);
+    constexpr ModifierMask commands = Modifier::command | Modifier::control;
+    return hasImage() && (key.modifiers & commands) && editor->keys.keyEquivalent(key, keyFocus());
+}
+
+KeyFocus CaptureOverlayView::keyFocus() const {
+    const QWidget* focused = QApplication::focusWidget();
+    return {.textEditor = editor->text.isEditing() && focused && focused != this && isAncestorOf(focused) &&
+                          focused->inherits("AnnotationTextView"),
+            .sizeField = false};
+}
+
+void CaptureOverlayView::focusCanvas() {
+    if (!isActiveWindow())
+        window()->activateWindow();
+    setFocus();
+}
+
+void CaptureOverlayView::refreshCanvasCursor() {
+    refreshCanvasCursor(mapFromGlobal(QCursor::pos()));
+}
+
+void CaptureOverlayView::refreshCanvasCursor(QPointF position) {
+    if (!hasImage() || !isVisible())
+        return;
+    // While a gesture runs, the pointer may be anywhere and still belongs to it.
+    if (!editor->session.document.drag && (!QRectF(rect()).contains(position) || childAt(position.toPoint())))
+        return;
+    const CanvasCursor next = CanvasCursor::at(viewPoint(position), editor->session.document, false);
+    if (canvas->cursor != next)
+        showCursor(next);
+}
+
+void CaptureOverlayView::showCursor(const CanvasCursor& cursor) {
+    using Shape = CanvasCursor::Shape;
+    canvas->cursor = cursor;
+    switch (cursor.shape) {
+    case Shape::arrow:
+        return setCursor(Qt::ArrowCursor);
+    case Shape::crosshair:
+        return setCursor(Qt::CrossCursor);
+    case Shape::iBeam:
+        return setCursor(Qt::IBeamCursor);
+    case Shape::openHand:
+        return setCursor(Qt::OpenHandCursor);
+    case Shape::closedHand:
+        return setCursor(Qt::ClosedHandCursor);
+    case Shape::resize:
+        return setCursor(SelectionCursors::resize(cursor.handle, devicePixelRatioF()));
+    case Shape::brush:
+        return setCursor(SelectionCursors::brush(cursor.diameter, devicePixelRatioF()));
+    }
+}
