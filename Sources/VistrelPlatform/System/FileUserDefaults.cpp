@@ -5,6 +5,7 @@
 #include "VistrelPlatform/System/Log.h"
 #include "VistrelPlatform/System/Paths.h"
 
+#include <QFile>
 #include <QMutex>
 #include <QMutexLocker>
 #include <QSettings>
@@ -18,11 +19,12 @@ public:
         setAtomicSyncRequired(true);
     }
 
-    void logFailure() {
-        if (failureLogged || status() != QSettings::AccessError)
-            return;
-        failureLogged = true;
-        qCWarning(vistrelLog).noquote() << fileName() << "could not be written";
+    /// After every write: Qt makes new files readable for everybody.
+    void finishWriting() {
+        QFile file(fileName());
+        if (file.exists() && status() == QSettings::NoError)
+            file.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
+        logFailure();
     }
 
     mutable QMutex mutex;
@@ -31,11 +33,18 @@ protected:
     bool event(QEvent* event) override {
         const QMutexLocker locker(&mutex);
         const bool handled = QSettings::event(event);
-        logFailure();
+        finishWriting();
         return handled;
     }
 
 private:
+    void logFailure() {
+        if (failureLogged || status() != QSettings::AccessError)
+            return;
+        failureLogged = true;
+        qCWarning(vistrelLog).noquote() << fileName() << "could not be written";
+    }
+
     bool failureLogged = false;
 };
 
@@ -50,7 +59,7 @@ FileUserDefaults::~FileUserDefaults() {
 bool FileUserDefaults::synchronize() {
     const QMutexLocker locker(&store->mutex);
     store->sync();
-    store->logFailure();
+    store->finishWriting();
     return store->status() != QSettings::AccessError;
 }
 
