@@ -1,0 +1,170 @@
+#include "Shortcuts/HotKeyService.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <set>
+
+namespace {
+
+const ScreenshotShortcut nine{25, 768, QStringLiteral("9")};
+const ScreenshotShortcut bracket{25, 768, QStringLiteral("(")};
+const ScreenshotShortcut p{35, 768, QStringLiteral("P")};
+const ScreenshotShortcut f{3, 4096, QStringLiteral("F")};
+
+class RecordingBackend : public HotKeyBackend {
+public:
+    HotKeyStatus registerHotKey(KeyCode key, ModifierMask modifiers, HotKeyId id) override {
+        EXPECT_TRUE(seen.insert(id).second) << "an identifier came back";
+        if (const auto refused = refusals.find(key); refused != refusals.end())
+            return refused->second;
+        for (const auto& [other, chord] : live)
+            EXPECT_NE(chord, std::pair(key, modifiers)) << "registered twice";
+        live[id] = {key, modifiers};
+        return hotKeyRegistered;
+    }
+    void unregisterHotKey(HotKeyId id) override { live.erase(id); }
+
+    std::vector<KeyCode> keys() const {
+        std::vector<KeyCode> result;
+        for (const auto& [id, chord] : live)
+            result.push_back(chord.first);
+        return result;
+    }
+
+    std::map<KeyCode, HotKeyStatus> refusals;
+    std::map<HotKeyId, std::pair<KeyCode, ModifierMask>> live;
+    std::set<HotKeyId> seen;
+};
+
+class DesktopTable : public SystemShortcuts {
+public:
+    Result<std::vector<SystemShortcut>> read() const override { return table; }
+    Result<std::vector<SystemShortcut>> table;
+};
+
+class HotKeyServiceTest : public testing::Test {
+protected:
+    QString failureOf(const std::vector<ScreenshotShortcut>& shortcuts) {
+        const auto outcome = service.registerShortcuts(shortcuts);
+        EXPECT_FALSE(outcome);
+        return outcome ? QString() : outcome.error().description;
+    }
+
+    RecordingBackend backend;
+    DesktopTable desktop;
+    HotKeyService service{backend, desktop};
+};
+
+} // namespace
+
+TEST_F(HotKeyServiceTest, RepeatsAreRegisteredOnceAndAgainChangesNothing) {
+    ASSERT_TRUE(service.registerShortcuts({nine, bracket, p}));
+    EXPECT_EQ(service.shortcuts(), (std::vector{nine, p}));
+    const auto before = backend.live;
+    ASSERT_TRUE(service.registerShortcuts({nine, p}));
+    EXPECT_EQ(backend.live, before);
+    EXPECT_EQ(backend.seen.size(), 2U);
+}
+
+TEST_F(HotKeyServiceTest, TheSameChordUnderAnotherNameIsOnlyRenamed) {
+    ASSERT_TRUE(service.registerShortcuts({nine}));
+    const auto before = backend.live;
+    ASSERT_TRUE(service.registerShortcuts({bracket}));
+    EXPECT_EQ(backend.live, before);
+    EXPECT_EQ(service.shortcuts(), std::vector{bracket});
+}
+
+TEST_F(HotKeyServiceTest, WhatIsNoLongerAskedForIsReleased) {
+    ASSERT_TRUE(service.registerShortcuts({nine, p}));
+    ASSERT_TRUE(service.registerShortcuts({f, p}));
+    EXPECT_EQ(service.shortcuts(), (std::vector{f, p}));
+    EXPECT_EQ(backend.live.size(), 2U);
+    service.unregister();
+    EXPECT_TRUE(backend.live.empty());
+    EXPECT_TRUE(service.shortcuts().empty());
+}
+
+TEST_F(HotKeyServiceTest, ARefusalLeavesTheEarlierSet) {
+    ASSERT_TRUE(service.registerShortcuts({nine}));
+    backend.refusals[3] = hotKeyExists;
+    const auto outcome = service.registerShortcuts({nine, p, f});
+    ASSERT_FALSE(outcome);
+    EXPECT_EQ(outcome.error().code, -9878);
+    EXPECT_EQ(
+        outcome.error().description,
+        QStringLiteral("⌃F is already registered by another application. Open that app's Settings or "
+                       "Preferences → Shortcuts / Hotkeys, change or disable this combination, then try "
+                       "again. You can also quit that app or choose another shortcut in Vistrel."));
+    EXPECT_EQ(service.shortcuts(), std::vector{nine});
+    EXPECT_EQ(backend.keys(), std::vector<KeyCode>{25});
+}
+
+TEST_F(HotKeyServiceTest, AnotherStatusIsNamed) {
+    backend.refusals[25] = -11;
+    EXPECT_EQ(
+        failureOf({nine}),
+        QStringLiteral("⇧⌘9 could not be registered (macOS error -11). It may be in use by another app. "
+                       "Choose another shortcut or try again."));
+}
+
+TEST_F(HotKeyServiceTest, AChordTheDesktopTookIsDroppedAndTheOthersStay) {
+    ASSERT_TRUE(service.registerShortcuts({nine, p}));
+    desktop.table = std::vector<SystemShortcut>{{1, 256, true}, {25, 768, true}};
+    EXPECT_EQ(failureOf({p, nine}),
+              QStringLiteral("⇧⌘9: This shortcut is enabled in macOS Keyboard Shortcuts. "
+                             "Change or disable it there first."));
+    EXPECT_EQ(service.shortcuts(), std::vector{p});
+    EXPECT_EQ(backend.keys(), std::vector<KeyCode>{35});
+}
+
+TEST_F(HotKeyServiceTest, OnlyTheSameEnabledChordConflicts) {
+    struct Case {
+        const char* name;
+        SystemShortcut entry;
+        bool conflicts;
+    };
+    for (const Case& row :
+         {Case{"same", {25, 768, true}, true}, Case{"disabled", {25, 768, false}, false},
+          Case{"moreModifiers", {25, 0xb00, true}, false}, Case{"fewerModifiers", {25, 256, true}, false},
+          Case{"otherKey", {26, 768, true}, false}}) {
+        desktop.table = std::vector{row.entry};
+        EXPECT_EQ(HotKeyService::conflictsWithSystem(nine, desktop), row.conflicts) << row.name;
+    }
+}
+
+TEST_F(HotKeyServiceTest, AnUnreadableTableChangesNothing) {
+    ASSERT_TRUE(service.registerShortcuts({p}));
+    desktop.table = tl::unexpected(Error{ErrorDomain::system, 5, QStringLiteral("bus gone")});
+    EXPECT_EQ(failureOf({nine, p}),
+              QStringLiteral("⇧⌘9: Vistrel couldn't check macOS shortcuts. Please try again."));
+    EXPECT_EQ(service.shortcuts(), std::vector{p});
+    EXPECT_FALSE(HotKeyService::conflictsWithSystem(nine, desktop));
+}
+
+TEST_F(HotKeyServiceTest, OnlyPressesOfRegisteredChordsArePassedOn) {
+    std::vector<CaptureTime::Instant> presses;
+    const CaptureTime::Instant instant = CaptureTime::now();
+    ASSERT_TRUE(service.registerShortcuts({nine}));
+    const HotKeyId id = backend.live.begin()->first;
+    backend.onPressed(id, instant); // nobody listens yet
+    service.onActivation = [&presses](CaptureTime::Instant at) { presses.push_back(at); };
+    backend.onPressed(id, instant);
+    backend.onPressed(id + 1000, instant);
+    service.unregister();
+    backend.onPressed(id, instant);
+    EXPECT_EQ(presses, std::vector{instant});
+}
+
+TEST_F(HotKeyServiceTest, PausedChordsAreFreeAndComeBack) {
+    ASSERT_TRUE(service.registerShortcuts({nine, p}));
+    service.setPaused(true);
+    EXPECT_TRUE(backend.live.empty());
+    EXPECT_EQ(service.shortcuts(), (std::vector{nine, p}));
+    ASSERT_TRUE(service.registerShortcuts({nine, p, f}));
+    EXPECT_TRUE(backend.live.empty());
+    backend.refusals[35] = hotKeyExists;
+    service.setPaused(false);
+    EXPECT_EQ(service.shortcuts(), (std::vector{nine, f}));
+    EXPECT_EQ(backend.live.size(), 2U);
+}
