@@ -1,0 +1,274 @@
+#include "Support/ReadOnlyFolder.h"
+#include "Vistrel/Diagnostics/JournalFixture.h"
+
+#include <chrono>
+#include <csignal>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <thread>
+
+namespace {
+
+class JournalStoreTests : public JournalFixture {};
+
+TEST_F(JournalStoreTests, aFullFileBecomesThePreviousOne) {
+    // Both lines below are this long; the file may be filled to the last byte.
+    const qint64 length = line("2026-03-01T12:00:00Z").size();
+    auto journal = makeJournal(2 * length);
+    for (int index = 0; index < 2; ++index)
+        journal->record(Action::undo);
+    snapshot(*journal);
+    EXPECT_EQ(lines(current).size(), 2);
+    EXPECT_FALSE(QFile::exists(previous));
+    for (int index = 0; index < 3; ++index)
+        journal->record(Action::redo);
+    EXPECT_EQ(actions(*journal), (Actions{Action::redo, Action::redo, Action::redo}))
+        << "the first two went with the file they stood in";
+    EXPECT_EQ(lines(previous).size(), 2);
+    EXPECT_EQ(lines(current).size(), 1);
+    EXPECT_EQ(mode(current), 0600U);
+    EXPECT_FALSE(snapshot(*journal).writeFailed);
+}
+
+TEST_F(JournalStoreTests, aLineThatNeverFitsIsDroppedSilently) {
+    auto journal = makeJournal(20);
+    journal->record(Action::undo);
+    EXPECT_FALSE(snapshot(*journal).writeFailed);
+    EXPECT_FALSE(QFile::exists(current));
+}
+
+struct LineCase {
+    const char* name;
+    QByteArray bytes;
+    bool kept;
+};
+
+TEST_F(JournalStoreTests, onlyLinesOfOursWithinAWeekAreReadAndKept) {
+    const QByteArray good = "2026-03-01T11:00:00Z";
+    const LineCase rows[] = {
+        {"good", line(good), true},
+        {"exactlyAWeekOld", line("2026-02-22T12:00:01Z"), true},
+        {"aWeekAndASecondOld", line("2026-02-22T11:59:59Z"), false},
+        {"aMinuteAhead", line("2026-03-01T12:01:00Z"), true},
+        {"twoMinutesAhead", line("2026-03-01T12:02:00Z"), false},
+        {"development", line(good, "development"), true},
+        {"fourNumbers", line(good, "1.2.3.4"), true},
+        {"fiveNumbers", line(good, "1.2.3.4.5"), false},
+        {"letters", line(good, "2.0b"), false},
+        {"longVersion", line(good, "1." + QByteArray(29, '0')), false},
+        {"longestVersion", line(good, "1." + QByteArray(28, '0')), true},
+        {"details", line(good, "1.0", R"({"durationMS":1.5,"source":"hotkey","tool":3.0})"), true},
+        {"nullIsAbsent", line(good, "1.0", R"({"tool":null})"), true},
+        {"unknownKeyIsIgnored", line(good, "1.0", R"({"later":"x"})"), true},
+        {"fractionForInteger", line(good, "1.0", R"({"tool":3.5})"), false},
+        {"integerTooLarge", line(good, "1.0", R"({"tool":99999999999})"), false},
+        {"textForInteger", line(good, "1.0", R"({"tool":"3"})"), false},
+        {"unknownPhase", line(good, "1.0", R"({"phase":"lunch"})"), false},
+        {"numberForSource", line(good, "1.0", R"({"source":1})"), false},
+        {"detailsMissing", line(good).replace("\"details\":{},", ""), false},
+        {"detailsAList", line(good, "1.0", "[]"), false},
+        {"unknownAction", line(good, "1.0", "{}", "screenshot"), false},
+        {"dateWithoutZone", line("2026-03-01T11:00:00"), false},
+        {"dateThatNeverWas", line("2026-02-30T11:00:00Z"), false},
+        {"dateAsNumber", line(good).replace("\"" + good + "\"", "772111222"), false},
+        {"launchNoIdentifier", line(good).replace("0E984725", "0E98472"), false},
+        {"versionNoText", line(good).replace("\"1.4.2\"", "1.4"), false},
+        {"cutOff", line(good).left(60) + '\n', false},
+        {"notUTF8", line(good, "\xff\xfe"), false},
+        {"list", "[1,2]\n", false},
+        {"text", "hello\n", false},
+        {"nested", QByteArray(5000, '[') + '\n', false},
+        {"zeroes", QByteArray(300, '\0') + '\n', false},
+    };
+    for (const LineCase& row : rows) {
+        SCOPED_TRACE(row.name);
+        write(current, "\n" + row.bytes + "\n");
+        auto journal = makeJournal();
+        const LocalDiagnostics::Snapshot result = snapshot(*journal);
+        EXPECT_EQ(result.events.size(), row.kept ? 1U : 0U);
+        EXPECT_FALSE(result.writeFailed);
+        EXPECT_EQ(lines(current).size(), row.kept ? 1 : 0) << "the file is rewritten with what survives";
+        EXPECT_EQ(mode(current), 0600U);
+    }
+}
+
+TEST_F(JournalStoreTests, thePreviousFileIsReadFirst) {
+    write(previous, line("2026-03-01T11:00:00Z", "1.0", "{}", "undo"));
+    write(current, line("2026-03-01T10:00:00Z", "1.0", "{}", "redo"));
+    EXPECT_EQ(actions(*makeJournal()), (Actions{Action::undo, Action::redo}));
+}
+
+TEST_F(JournalStoreTests, pruningHappensAtFirstAndThenOnceADay) {
+    auto journal = makeJournal();
+    journal->record(Action::undo);
+    snapshot(*journal);
+    const auto appendOld = [this] { write(current, content(current) + line("2026-01-01T00:00:00Z")); };
+    appendOld();
+    advance(day - 1);
+    journal->record(Action::redo);
+    snapshot(*journal);
+    EXPECT_EQ(lines(current).size(), 3) << "not yet";
+    advance(1);
+    journal->record(Action::redo);
+    snapshot(*journal);
+    EXPECT_EQ(lines(current).size(), 3) << "the old line went, the new one came";
+    advance(8 * day);
+    EXPECT_TRUE(snapshot(*journal).events.empty());
+    EXPECT_EQ(content(current), QByteArray());
+}
+
+TEST_F(JournalStoreTests, aJournalOfTenMebibytesIsRemovedNotRead) {
+    QByteArray garbage(10 << 20, 'x');
+    for (const QString& path : {current, previous})
+        write(path, garbage);
+    auto journal = makeJournal();
+    journal->start();
+    EXPECT_EQ(actions(*journal), Actions{Action::launch});
+    EXPECT_FALSE(QFile::exists(previous));
+    EXPECT_FALSE(snapshot(*journal).writeFailed);
+}
+
+struct MarkerCase {
+    const char* name;
+    QByteArray bytes;
+    bool unfinished;
+};
+
+TEST_F(JournalStoreTests, aMarkerTellsOfAnUnfinishedLaunchForAWeek) {
+    // The clock stands at 794059200.25 seconds after the beginning of 2001.
+    const auto marked = [](const QByteArray& date) {
+        return R"({"launch":"0E984725-C51C-4BF4-9960-E1C80E27ABA0","date":)" + date + "}";
+    };
+    const MarkerCase rows[] = {
+        {"none", QByteArray(), false},
+        {"justNow", marked("794059200.25"), true},
+        {"aWeekOld", marked("793454400.25"), true},
+        {"older", marked("793454400.2"), false},
+        {"ahead", marked("9e15"), true},
+        {"largest", marked("794059200").leftJustified(1023, ' '), true},
+        {"tooLarge", marked("794059200").leftJustified(1024, ' '), false},
+        {"dateAsText", marked("\"2026-03-01T11:00:00Z\""), false},
+        {"noLaunch", R"({"date":794059200})", false},
+        {"launchMalformed", R"({"launch":"x","date":794059200})", false},
+        {"garbage", "\xff\0{", false},
+        {"list", "[]", false},
+    };
+    for (const MarkerCase& row : rows) {
+        SCOPED_TRACE(row.name);
+        QDir(folder).removeRecursively();
+        if (!row.bytes.isNull())
+            write(marker, row.bytes);
+        auto journal = makeJournal();
+        journal->start();
+        EXPECT_EQ(actions(*journal), row.unfinished
+                                         ? (Actions{Action::previousLaunchUnfinished, Action::launch})
+                                         : Actions{Action::launch});
+        EXPECT_EQ(mode(marker), 0600U);
+        EXPECT_TRUE(content(marker).contains("\"date\":794059200.25")) << content(marker).constData();
+    }
+}
+
+TEST_F(JournalStoreTests, aCleanEndLeavesNothingToReport) {
+    auto first = makeJournal();
+    first->start();
+    first->finish();
+    EXPECT_FALSE(QFile::exists(marker));
+    auto second = makeJournal();
+    second->start();
+    second->start();
+    EXPECT_EQ(actions(*second), (Actions{Action::launch, Action::quit, Action::launch, Action::launch}))
+        << "its own marker is no other launch";
+}
+
+TEST_F(JournalStoreTests, aKilledLaunchKeepsItsLinesAndIsNoticed) {
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+        auto journal = makeJournal();
+        journal->start();
+        for (;;) {
+            for (int index = 0; index < 20; ++index)
+                journal->record(Action::sizeChanged);
+            snapshot(*journal);
+        }
+    }
+    while (content(current).size() < 4000)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    ASSERT_EQ(::kill(child, SIGKILL), 0);
+    ASSERT_EQ(::waitpid(child, nullptr, 0), child);
+    // A crash of the whole machine may also leave half a line.
+    write(current, content(current) + line("2026-03-01T12:00:00Z").left(40));
+    const qsizetype written = lines(current).size() - 1;
+    auto journal = makeJournal();
+    journal->start();
+    const Actions seen = actions(*journal);
+    ASSERT_EQ(static_cast<qsizetype>(seen.size()), written + 2);
+    EXPECT_EQ(seen.front(), Action::launch);
+    EXPECT_EQ(seen.at(seen.size() - 2), Action::previousLaunchUnfinished);
+    EXPECT_EQ(seen.back(), Action::launch);
+}
+
+TEST_F(JournalStoreTests, onAFullDiskNoHalfLineStaysAndTheJournalGoesOnLater) {
+    auto journal = makeJournal();
+    journal->record(Action::undo);
+    snapshot(*journal);
+    const qsizetype length = content(current).size();
+    rlimit before{};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit small{static_cast<rlim_t>(length + length / 2), before.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+    journal->record(Action::redo);
+    const bool failed = snapshot(*journal).writeFailed;
+    ::setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, handler);
+    EXPECT_TRUE(failed);
+    EXPECT_EQ(content(current).size(), length);
+    journal->record(Action::redo);
+    const LocalDiagnostics::Snapshot later = snapshot(*journal);
+    EXPECT_EQ(actions(later.events), (Actions{Action::undo, Action::redo}));
+    EXPECT_TRUE(later.writeFailed) << "a later success does not take the failure back";
+    journal->clear();
+    EXPECT_FALSE(snapshot(*journal).writeFailed);
+}
+
+TEST_F(JournalStoreTests, aFolderThatCannotBeMadeOrWrittenIsOnlyAFailure) {
+    ASSERT_TRUE(Files::createFolder(home.filePath(QStringLiteral("data"))));
+    auto journal = makeJournal();
+    {
+        const ReadOnlyFolder readOnly(home.path(), QStringLiteral("data"));
+        ASSERT_TRUE(readOnly.inForce());
+        journal->start();
+        const LocalDiagnostics::Snapshot result = snapshot(*journal);
+        EXPECT_TRUE(result.writeFailed);
+        EXPECT_TRUE(result.events.empty());
+    }
+    journal->record(Action::undo);
+    EXPECT_EQ(actions(*journal), Actions{Action::undo}) << "it is tried again";
+}
+
+TEST_F(JournalStoreTests, whatCannotBeRemovedIsToldByClear) {
+    ASSERT_TRUE(QDir().mkpath(previous + QStringLiteral("/child")));
+    write(current, line("2026-03-01T11:00:00Z"));
+    auto journal = makeJournal();
+    journal->setEnabled(false);
+    journal->clear();
+    EXPECT_TRUE(snapshot(*journal).writeFailed);
+    EXPECT_FALSE(QFile::exists(current)) << "the others are removed all the same";
+}
+
+TEST_F(JournalStoreTests, aPipeInTheJournalsPlaceHoldsNothingUp) {
+    auto journal = makeJournal();
+    journal->record(Action::undo);
+    snapshot(*journal);
+    ASSERT_TRUE(QFile::remove(current));
+    ASSERT_EQ(::mkfifo(QFile::encodeName(current).constData(), 0600), 0);
+    journal->record(Action::redo);
+    const LocalDiagnostics::Snapshot result = snapshot(*journal);
+    EXPECT_TRUE(result.events.empty());
+    EXPECT_TRUE(result.writeFailed);
+}
+
+} // namespace

@@ -1,0 +1,238 @@
+#include "Vistrel/Diagnostics/JournalFixture.h"
+
+#include "VistrelPlatform/System/UuidText.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QRegularExpression>
+
+#include <limits>
+#include <thread>
+
+namespace {
+
+class LocalDiagnosticsTests : public JournalFixture {};
+
+TEST_F(LocalDiagnosticsTests, theFirstEventMakesAPrivateFolderAndFile) {
+    auto journal = makeJournal();
+    journal->record(Action::undo);
+    snapshot(*journal);
+    EXPECT_EQ(mode(folder), 0700U);
+    EXPECT_EQ(mode(current), 0600U);
+    EXPECT_EQ(lines(current).size(), 1);
+}
+
+TEST_F(LocalDiagnosticsTests, aLineIsOneObjectWithSortedKeys) {
+    auto journal = makeJournal();
+    Diagnostic::Details details;
+    details.tool = 9;
+    details.size = 24;
+    details.layers = 0;
+    details.width = 1920;
+    details.height = -1;
+    details.displays = 2;
+    details.displayIndex = 1;
+    details.durationMS = 12.75;
+    details.offsetMS = 0.1;
+    details.phase = Diagnostic::Phase::overlay_first_draw;
+    details.source = Diagnostic::Source::menuBar;
+    details.errorKind = Diagnostic::ErrorKind::screenCaptureKit;
+    details.errorCode = -9878;
+    journal->record(Action::capturePhase, details);
+    journal->record(Action::textCommitted);
+    const std::vector<LocalDiagnostics::Event> events = snapshot(*journal).events;
+    const QByteArray launch = UuidText::upperCase(events.at(0).launch).toLatin1();
+    EXPECT_EQ(content(current),
+              R"({"action":"capturePhase","date":"2026-03-01T12:00:00Z","details":{"displayIndex":1,)"
+              R"("displays":2,"durationMS":12.75,"errorCode":-9878,"errorKind":"screenCaptureKit",)"
+              R"("height":-1,"layers":0,"offsetMS":0.1,"phase":"overlay_first_draw","size":24,)"
+              R"("source":"menuBar","tool":9,"width":1920},"launch":")" +
+                  launch + "\",\"version\":\"1.4.2\"}\n" +
+                  R"({"action":"textCommitted","date":"2026-03-01T12:00:00Z","details":{},"launch":")" +
+                  launch + "\",\"version\":\"1.4.2\"}\n");
+    EXPECT_EQ(events.at(0).details, details) << "what is written is what is read";
+    EXPECT_EQ(events.at(0).date, QDateTime::fromString(QStringLiteral("2026-03-01T12:00:00Z"), Qt::ISODate));
+}
+
+TEST_F(LocalDiagnosticsTests, everyCaseHasANameOfItsOwn) {
+    for (int index = 0; index <= static_cast<int>(Action::permissionRequested); ++index)
+        EXPECT_EQ(Diagnostic::actionNamed(Diagnostic::name(static_cast<Action>(index))),
+                  static_cast<Action>(index));
+    for (int index = 0; index <= static_cast<int>(Diagnostic::Phase::overlay_event_loop_resumed); ++index) {
+        const auto phase = static_cast<Diagnostic::Phase>(index);
+        EXPECT_EQ(Diagnostic::phaseNamed(Diagnostic::name(phase)), phase);
+    }
+    EXPECT_EQ(Diagnostic::actionNamed(QStringLiteral("layerReordered")), Action::layerReordered);
+    EXPECT_EQ(Diagnostic::phaseNamed(QStringLiteral("all_overlay_displays_submitted")),
+              Diagnostic::Phase::all_overlay_displays_submitted);
+    EXPECT_EQ(Diagnostic::actionNamed(QStringLiteral("Undo")), std::nullopt);
+}
+
+struct VersionCase {
+    const char* name;
+    const char* bundle;
+    const char* expected;
+};
+const VersionCase versionCases[] = {
+    {"none", "", "development"},
+    {"one", "2", "development"},
+    {"two", "2.0", "2.0"},
+    {"four", "1.2.3.4", "1.2.3.4"},
+    {"five", "1.2.3.4.5", "development"},
+    {"letters", "2.0b", "development"},
+    {"dangling", "2.", "development"},
+    {"lineFeed", "2.0\n", "development"},
+};
+
+TEST_F(LocalDiagnosticsTests, onlyNumbersCountAsAVersion) {
+    for (const VersionCase& row : versionCases)
+        EXPECT_EQ(makeJournal(1000, QString::fromLatin1(row.bundle))->version(),
+                  QString::fromLatin1(row.expected))
+            << row.name;
+}
+
+TEST_F(LocalDiagnosticsTests, errorsKeepTheirCodeAndTheFamilyTheirDomainTells) {
+    using Diagnostic::ErrorKind;
+    const auto kind = [](const QString& domain) {
+        const Diagnostic::Details details =
+            LocalDiagnostics::error({domain, -7, QString()}, ErrorKind::capture);
+        EXPECT_EQ(details.errorCode, -7);
+        return details.errorKind;
+    };
+    EXPECT_EQ(kind(ErrorDomain::system), ErrorKind::cocoa);
+    EXPECT_EQ(kind(ErrorDomain::windowSystem), ErrorKind::screenCaptureKit);
+    EXPECT_EQ(kind(QStringLiteral("com.orvane.Vistrel.capture")), ErrorKind::capture);
+}
+
+TEST_F(LocalDiagnosticsTests, switchedOffNothingIsWrittenOrRead) {
+    auto journal = makeJournal();
+    journal->start();
+    journal->record(Action::undo);
+    snapshot(*journal);
+    journal->setEnabled(false);
+    const QByteArray before = content(current);
+    journal->record(Action::redo);
+    EXPECT_TRUE(snapshot(*journal).events.empty());
+    EXPECT_EQ(content(current), before);
+    EXPECT_TRUE(QFile::exists(marker));
+    journal->finish();
+    EXPECT_FALSE(QFile::exists(marker)) << "the marker goes even when the journal is off";
+    EXPECT_EQ(content(current), before);
+}
+
+TEST_F(LocalDiagnosticsTests, theSwitchIsOnUnlessABooleanSaysOtherwise) {
+    auto journal = makeJournal();
+    EXPECT_TRUE(journal->enabled());
+    defaults.setString(QStringLiteral("localDiagnosticJournalEnabled"), QStringLiteral("false"));
+    EXPECT_TRUE(journal->enabled());
+    defaults.setBoolean(QStringLiteral("localDiagnosticJournalEnabled"), false);
+    EXPECT_FALSE(journal->enabled());
+}
+
+TEST_F(LocalDiagnosticsTests, offAndOnStartsAFreshJournal) {
+    auto journal = makeJournal();
+    journal->start();
+    journal->setEnabled(false);
+    journal->clear();
+    journal->setEnabled(true);
+    journal->start();
+    EXPECT_EQ(actions(*journal), Actions{Action::launch});
+    EXPECT_FALSE(snapshot(*journal).writeFailed);
+}
+
+TEST_F(LocalDiagnosticsTests, clearRemovesEverythingAndGuardsTheSessionAgain) {
+    write(previous, line("2026-03-01T11:00:00Z"));
+    auto journal = makeJournal();
+    journal->start();
+    snapshot(*journal);
+    write(folder + QStringLiteral("/.events.jsonl.vistrel-cutoff"), line("2026-03-01T11:00:00Z"));
+    journal->clear();
+    EXPECT_TRUE(snapshot(*journal).events.empty());
+    EXPECT_EQ(QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+              QStringList{QStringLiteral("active-session.json")});
+    journal->setEnabled(false);
+    journal->clear();
+    snapshot(*journal);
+    ASSERT_TRUE(QDir(folder).removeRecursively());
+    journal->setEnabled(true);
+    journal->record(Action::undo);
+    EXPECT_EQ(actions(*journal), Actions{Action::undo}) << "the folder is made again";
+}
+
+TEST_F(LocalDiagnosticsTests, aSnapshotHoldsTheNewestTwoThousand) {
+    QByteArray bytes;
+    for (int index = 0; index < 2500; ++index)
+        bytes += line("2026-03-01T11:00:00Z", "1.4.2", "{\"size\":" + QByteArray::number(index) + "}");
+    write(previous, bytes);
+    auto journal = makeJournal();
+    journal->record(Action::redo);
+    const std::vector<LocalDiagnostics::Event> events = snapshot(*journal).events;
+    ASSERT_EQ(events.size(), 2000U);
+    EXPECT_EQ(events.front().details.size, 501);
+    EXPECT_EQ(events.back().action, Action::redo);
+}
+
+TEST_F(LocalDiagnosticsTests, aDurationThatIsNoNumberIsAFailureAndNoLine) {
+    auto journal = makeJournal();
+    Diagnostic::Details details;
+    details.durationMS = std::numeric_limits<double>::quiet_NaN();
+    journal->record(Action::capturePhase, details);
+    const LocalDiagnostics::Snapshot result = snapshot(*journal);
+    EXPECT_TRUE(result.events.empty());
+    EXPECT_TRUE(result.writeFailed);
+}
+
+TEST_F(LocalDiagnosticsTests, theDateIsTheCallersNotTheQueues) {
+    auto journal = makeJournal();
+    journal->record(Action::undo);
+    advance(5);
+    journal->record(Action::redo);
+    const std::vector<LocalDiagnostics::Event> events = snapshot(*journal).events;
+    EXPECT_EQ(events.at(0).date.secsTo(events.at(1).date), 5);
+}
+
+TEST_F(LocalDiagnosticsTests, threadsRecordWhileOthersReadClearAndSwitch) {
+    auto journal = makeJournal();
+    journal->start();
+    std::vector<std::thread> threads;
+    for (int thread = 0; thread < 4; ++thread)
+        threads.emplace_back([&, thread] {
+            Diagnostic::Details details;
+            details.tool = thread;
+            for (int index = 0; index < 50; ++index) {
+                details.size = index;
+                journal->record(Action::sizeChanged, details);
+            }
+        });
+    for (int index = 0; index < 20; ++index) {
+        snapshot(*journal);
+        defaults.setNumber(QStringLiteral("other"), index);
+        advance(1);
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    std::array<int, 4> next{};
+    int sizes = 0;
+    for (const LocalDiagnostics::Event& event : snapshot(*journal).events) {
+        if (event.action != Action::sizeChanged)
+            continue;
+        ++sizes;
+        EXPECT_EQ(event.details.size, next.at(static_cast<std::size_t>(event.details.tool.value()))++)
+            << "one thread's events keep their order";
+    }
+    EXPECT_EQ(sizes, 200);
+
+    std::thread recorder([&] {
+        for (int index = 0; index < 100; ++index)
+            journal->record(Action::undo);
+    });
+    for (int index = 0; index < 20; ++index) {
+        journal->setEnabled(index % 2 == 1);
+        journal->clear();
+    }
+    recorder.join();
+    journal->finish();
+    EXPECT_FALSE(snapshot(*journal).writeFailed);
+}
+
+} // namespace
