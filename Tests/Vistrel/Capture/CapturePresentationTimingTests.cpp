@@ -1,0 +1,124 @@
+#include "Capture/CapturePresentationTiming.h"
+#include "Diagnostics/DiagnosticRecord.h"
+
+#include <QStringList>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class CapturePresentationTimingTests : public ::testing::Test {
+protected:
+    std::shared_ptr<CaptureTiming> timing =
+        std::make_shared<CaptureTiming>(CaptureTime::now(), QStringLiteral("hotkey"));
+    std::vector<std::optional<QString>> completions;
+    CapturePresentationTiming tracker{
+        timing, [this](const std::optional<QString>& error) { completions.push_back(error); }};
+
+    QStringList names() const {
+        QStringList list;
+        for (const CaptureTiming::Phase& phase : timing->phases())
+            list.append(phase.name);
+        return list;
+    }
+    void observe(bool active, bool key, bool focused) {
+        tracker.observeFocus({.applicationActive = active, .windowKey = key, .canvasFocused = focused});
+    }
+};
+
+const QStringList focusPhases = {
+    QStringLiteral("application_active_confirmed"), QStringLiteral("overlay_key_confirmed"),
+    QStringLiteral("canvas_focus_confirmed"), QStringLiteral("selection_input_ready")};
+const QString resumed = QStringLiteral("overlay_event_loop_resumed");
+
+TEST_F(CapturePresentationTimingTests, focusFirstThenDrawingCompletes) {
+    observe(true, true, true);
+    EXPECT_TRUE(completions.empty());
+    tracker.eventLoopResumed();
+    EXPECT_EQ(completions, std::vector<std::optional<QString>>{std::nullopt});
+    EXPECT_EQ(names(), focusPhases + QStringList{resumed});
+}
+
+TEST_F(CapturePresentationTimingTests, drawingFirstThenFocusCompletesOnce) {
+    tracker.eventLoopResumed();
+    EXPECT_TRUE(completions.empty());
+    observe(true, true, true);
+    observe(true, true, true);
+    tracker.eventLoopResumed();
+    tracker.expire();
+    EXPECT_EQ(completions, std::vector<std::optional<QString>>{std::nullopt});
+    EXPECT_EQ(names(), QStringList{resumed} + focusPhases) << "nothing is recorded afterwards";
+}
+
+TEST_F(CapturePresentationTimingTests, confirmationsAreRecordedOnce) {
+    observe(true, true, false);
+    EXPECT_EQ(names(), focusPhases.mid(0, 2));
+    observe(true, true, true);
+    observe(true, true, true);
+    EXPECT_EQ(names(), focusPhases);
+}
+
+TEST_F(CapturePresentationTimingTests, aCanvasInAWindowWithoutTheKeyboardIsNotReady) {
+    observe(true, false, true);
+    EXPECT_EQ(names(), (QStringList{focusPhases.at(0), focusPhases.at(2)}));
+    tracker.eventLoopResumed();
+    EXPECT_TRUE(completions.empty());
+}
+
+TEST_F(CapturePresentationTimingTests, lostFocusWithdrawsReadiness) {
+    observe(true, true, true);
+    observe(false, true, true);
+    tracker.eventLoopResumed();
+    EXPECT_TRUE(completions.empty());
+    observe(true, true, false);
+    EXPECT_TRUE(completions.empty());
+    observe(true, true, true);
+    EXPECT_EQ(completions.size(), 1U);
+}
+
+TEST_F(CapturePresentationTimingTests, twoSecondsWithoutBothAreAnError) {
+    observe(true, true, true);
+    tracker.expire();
+    tracker.eventLoopResumed();
+    tracker.expire();
+    EXPECT_EQ(completions,
+              std::vector<std::optional<QString>>{QStringLiteral(
+                  "Capture drawing and keyboard focus were not both confirmed within two seconds of overlay "
+                  "presentation.")});
+    EXPECT_EQ(names(), focusPhases);
+}
+
+TEST_F(CapturePresentationTimingTests, anAbandonedPresentationSaysNothing) {
+    tracker.abandon();
+    observe(true, true, true);
+    tracker.eventLoopResumed();
+    tracker.expire();
+    EXPECT_TRUE(completions.empty());
+    EXPECT_TRUE(names().isEmpty());
+}
+
+TEST(CapturePresentationTimingLifetimeTests, theCompletionMayDestroyTheTracker) {
+    const auto timing = std::make_shared<CaptureTiming>(CaptureTime::now(), QStringLiteral("hotkey"));
+    int completed = 0;
+    std::unique_ptr<CapturePresentationTiming> tracker;
+    const auto renew = [&] {
+        tracker = std::make_unique<CapturePresentationTiming>(timing, [&](const std::optional<QString>&) {
+            tracker.reset();
+            ++completed;
+        });
+    };
+    renew();
+    tracker->eventLoopResumed();
+    tracker->observeFocus({.applicationActive = true, .windowKey = true, .canvasFocused = true});
+    renew();
+    tracker->expire();
+    EXPECT_EQ(completed, 2);
+    EXPECT_FALSE(tracker);
+}
+
+TEST(CapturePresentationTimingLifetimeTests, theJournalKnowsEveryPhaseOfAPresentation) {
+    for (const QString& name : focusPhases + QStringList{resumed})
+        EXPECT_TRUE(Diagnostic::phaseNamed(name)) << name.toStdString();
+}
+
+} // namespace

@@ -1,0 +1,162 @@
+#include "Capture/CaptureError.h"
+#include "Capture/CaptureTiming.h"
+#include "Diagnostics/DiagnosticRecord.h"
+#include "Support/ScopedEnvironment.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using std::chrono::milliseconds;
+
+const CaptureTiming::Report sample{
+    .source = QStringLiteral("hotkey"),
+    .phases = {{.name = QStringLiteral("hotkey_handler_entered"),
+                .displayID = std::nullopt,
+                .offsetMS = 0.1,
+                .durationMS = 0,
+                .width = std::nullopt,
+                .height = std::nullopt},
+               {.name = QStringLiteral("display_image_available"),
+                .displayID = 4294967295U,
+                .offsetMS = 12.345678,
+                .durationMS = 8.5,
+                .width = 3840,
+                .height = 2160}},
+    .totalMS = 33.00000000000001,
+    .error = std::nullopt,
+    .boundary = QStringLiteral("x"),
+};
+
+TEST(CaptureTimingTests, phasesMeasureFromTheStartAndFromTheirOwnBeginning) {
+    const CaptureTiming::Instant begun = CaptureTime::now();
+    CaptureTiming timing(begun - milliseconds(500), QStringLiteral("menu_bar"));
+    std::vector<CaptureTiming::Phase> seen;
+    timing.onPhase = [&](const CaptureTiming::Phase& phase) {
+        EXPECT_EQ(timing.phases().back(), phase) << "appended before it is told";
+        seen.push_back(phase);
+    };
+    timing.recordPhase(QStringLiteral("permission_check"), {.since = begun - milliseconds(200)});
+    timing.recordPhase(QStringLiteral("capture_task_started"));
+    timing.recordPhase(QStringLiteral("display_image_available"),
+                       {.displayID = 7, .since = begun - milliseconds(100), .width = 10, .height = 20});
+    const double limit = CaptureTime::milliseconds(CaptureTime::now() - begun);
+    EXPECT_EQ(seen, timing.phases());
+    EXPECT_GE(seen.at(0).offsetMS, 500);
+    EXPECT_LE(seen.at(0).offsetMS, 500 + limit);
+    EXPECT_GE(seen.at(0).durationMS, 200);
+    EXPECT_LE(seen.at(0).durationMS, 200 + limit);
+    EXPECT_EQ(seen.at(1).durationMS, 0);
+    EXPECT_GE(seen.at(2).durationMS, 100);
+    EXPECT_EQ(seen.at(2).displayID, 7U);
+    EXPECT_EQ(seen.at(2).width, 10);
+    EXPECT_EQ(seen.at(2).height, 20);
+}
+
+TEST(CaptureTimingTests, onlyTheFirstFinishReports) {
+    CaptureTiming timing(CaptureTime::now() - milliseconds(40), QStringLiteral("menu_bar"));
+    timing.recordPhase(QStringLiteral("permission_check"));
+    const std::optional<CaptureTiming::Report> report = timing.finish(QStringLiteral("why"));
+    ASSERT_TRUE(report);
+    EXPECT_EQ(report->source, QStringLiteral("menu_bar"));
+    EXPECT_EQ(report->phases, timing.phases());
+    EXPECT_EQ(report->error, QStringLiteral("why"));
+    EXPECT_GE(report->totalMS, 40);
+    EXPECT_EQ(report->boundary,
+              QStringLiteral(
+                  "Image availability, AppKit drawing, event-loop resumption and confirmed "
+                  "application/key-window/canvas focus; not pixel exposure or physical display scanout."));
+    timing.recordPhase(QStringLiteral("late"));
+    EXPECT_EQ(timing.finish(std::nullopt), std::nullopt);
+    EXPECT_EQ(report->phases.size(), 1U);
+}
+
+TEST(CaptureTimingTests, theReportIsIndentedJSONWithSortedKeysAndExactNumbers) {
+    EXPECT_EQ(CaptureTiming::encode(sample).toStdString(), R"({
+    "boundary": "x",
+    "phases": [
+        {
+            "durationMS": 0,
+            "name": "hotkey_handler_entered",
+            "offsetMS": 0.1
+        },
+        {
+            "displayID": 4294967295,
+            "durationMS": 8.5,
+            "height": 2160,
+            "name": "display_image_available",
+            "offsetMS": 12.345678,
+            "width": 3840
+        }
+    ],
+    "source": "hotkey",
+    "totalMS": 33.00000000000001
+}
+)");
+}
+
+TEST(CaptureTimingTests, aReportIsReadAsItWasWritten) {
+    CaptureTiming::Report failed = sample;
+    failed.error = QStringLiteral("No display");
+    EXPECT_EQ(CaptureTiming::decode(CaptureTiming::encode(sample)), sample);
+    EXPECT_EQ(CaptureTiming::decode(CaptureTiming::encode(failed)), failed);
+    const QByteArray both = CaptureTiming::encode(std::vector{sample, failed});
+    EXPECT_EQ(QJsonDocument::fromJson(both).array().size(), 2);
+    EXPECT_EQ(CaptureTiming::decode(both), std::nullopt);
+}
+
+TEST(CaptureTimingTests, aReportWithoutARequiredValueIsNone) {
+    const QByteArray whole = CaptureTiming::encode(sample);
+    for (const char* key : {"source", "phases", "totalMS", "boundary", "name", "offsetMS", "durationMS"}) {
+        QByteArray bytes = whole;
+        bytes.replace("\"" + QByteArray(key) + "\"", "\"other\"");
+        EXPECT_EQ(CaptureTiming::decode(bytes), std::nullopt) << key;
+    }
+    for (const char* value : {"-1", "4294967296", "1.5", "\"7\""}) {
+        QByteArray bytes = whole;
+        bytes.replace("4294967295", value);
+        EXPECT_EQ(CaptureTiming::decode(bytes), std::nullopt) << value;
+    }
+}
+
+TEST(CaptureTimingTests, onlyTheLastReportIsKeptAndAFailureIsHarmless) {
+    QTemporaryDir folder;
+    const ScopedEnvironment data("XDG_DATA_HOME", QFile::encodeName(folder.path()));
+    ASSERT_EQ(CaptureTiming::reportPath(),
+              folder.filePath(QStringLiteral("Vistrel/last-capture-timing.json")));
+    CaptureTiming::Report earlier = sample;
+    earlier.boundary = QString(5000, u'y');
+    CaptureTiming::save(earlier);
+    CaptureTiming::save(sample);
+    QFile file(CaptureTiming::reportPath());
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), CaptureTiming::encode(sample));
+
+    const ScopedEnvironment blocked("XDG_DATA_HOME", QFile::encodeName(CaptureTiming::reportPath()));
+    CaptureTiming::save(sample);
+    EXPECT_FALSE(QFileInfo::exists(CaptureTiming::reportPath()));
+}
+
+TEST(CaptureTimingTests, errorsCarryTheirNumberAndTheTextForTheUser) {
+    const std::pair<CaptureError, QString> rows[] = {
+        {CaptureError::noDisplay,
+         QStringLiteral("No available display was found. Check Screen Recording permission and try again.")},
+        {CaptureError::encode,
+         QStringLiteral("The screenshot could not be encoded. Your selection is still open.")},
+        {CaptureError::imageDimensions,
+         QStringLiteral("The screenshot dimensions did not match the display. Try again.")},
+        {CaptureError::directUnavailable,
+         QStringLiteral("Direct screenshot capture requires macOS 26 or later.")},
+    };
+    for (int code = 0; code < 4; ++code)
+        EXPECT_EQ(captureError(rows[code].first),
+                  (Error{QStringLiteral("com.orvane.Vistrel.capture"), code, rows[code].second}));
+}
+
+} // namespace

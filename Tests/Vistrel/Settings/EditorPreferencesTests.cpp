@@ -1,0 +1,139 @@
+#include "Settings/EditorPreferences.h"
+#include "VistrelPlatform/System/AtomicFile.h"
+#include "VistrelPlatform/System/FileUserDefaults.h"
+
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+
+#include <cmath>
+#include <gtest/gtest.h>
+#include <limits>
+
+namespace {
+
+struct StoredCase {
+    const char* name;
+    const char* stored;
+    double scale;
+    bool cancels;
+    bool reduces;
+    ScreenshotSaveFormat format;
+    /// What is stored after construction; null when nothing may have changed.
+    const char* after;
+};
+constexpr auto png = ScreenshotSaveFormat::png;
+constexpr auto jpg = ScreenshotSaveFormat::jpg;
+const StoredCase storedCases[] = {
+    {"fresh", "{}", 100, true, true, png, nullptr},
+    {"everything",
+     R"({"editorPanelScalePercentV2": 75.5, "doubleClickOutsideToCancel": false,
+         "downscaleRetinaScreenshots": false, "screenshotSaveFormat": "jpg"})",
+     75.5, false, false, jpg, nullptr},
+    {"largeScaleIsReadClampedOnly", R"({"editorPanelScalePercentV2": 200})", 150, true, true, png, nullptr},
+    {"smallScale", R"({"editorPanelScalePercentV2": -1})", 50, true, true, png, nullptr},
+    {"formerScale", R"({"editorPanelScalePercent": 80})", 100, true, true, png,
+     R"({"editorPanelScalePercent": 80, "editorPanelScalePercentV2": 100})"},
+    {"formerScaleSmall", R"({"editorPanelScalePercent": 40})", 50, true, true, png,
+     R"({"editorPanelScalePercent": 40, "editorPanelScalePercentV2": 50})"},
+    {"formerScaleLarge", R"({"editorPanelScalePercent": 130})", 150, true, true, png,
+     R"({"editorPanelScalePercent": 130, "editorPanelScalePercentV2": 150})"},
+    {"newScaleWins", R"({"editorPanelScalePercent": 40, "editorPanelScalePercentV2": 60})", 60, true, true,
+     png, nullptr},
+    {"scaleNoNumber", R"({"editorPanelScalePercentV2": "60", "editorPanelScalePercent": true})", 100, true,
+     true, png, nullptr},
+    {"formerJPG", R"({"screenshotSaveFormat": "jpeg"})", 100, true, true, jpg,
+     R"({"screenshotSaveFormat": "jpg"})"},
+    {"upperCaseJPG", R"({"screenshotSaveFormat": "JPG"})", 100, true, true, png, nullptr},
+    {"formatNoText", R"({"screenshotSaveFormat": 1})", 100, true, true, png, nullptr},
+    {"switchesOfOtherTypes", R"({"doubleClickOutsideToCancel": 0, "downscaleRetinaScreenshots": "YES"})", 100,
+     false, true, png, nullptr},
+    {"switchesThatSayNothing", R"({"doubleClickOutsideToCancel": [], "downscaleRetinaScreenshots": "no"})",
+     100, false, false, png, nullptr},
+};
+
+QJsonObject stored(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? QJsonDocument::fromJson(file.readAll()).object() : QJsonObject();
+}
+
+TEST(EditorPreferencesTests, readsAndMigratesWhatIsStored) {
+    QTemporaryDir folder;
+    for (const StoredCase& row : storedCases) {
+        SCOPED_TRACE(row.name);
+        const QString path = folder.filePath(QString::fromLatin1(row.name));
+        ASSERT_TRUE(writeAtomically(path, row.stored));
+        {
+            FileUserDefaults defaults(path);
+            const EditorPreferences preferences(defaults);
+            EXPECT_EQ(preferences.scalePercent(), row.scale);
+            EXPECT_EQ(preferences.doubleClickOutsideToCancel(), row.cancels);
+            EXPECT_EQ(preferences.downscaleRetinaScreenshots(), row.reduces);
+            EXPECT_EQ(preferences.saveFormat(), row.format);
+        }
+        const char* after = row.after == nullptr ? row.stored : row.after;
+        EXPECT_EQ(stored(path), QJsonDocument::fromJson(after).object());
+    }
+}
+
+struct ScaleCase {
+    double given;
+    double kept;
+};
+const ScaleCase scaleCases[] = {{100, 100},
+                                {50, 50},
+                                {49.99, 50},
+                                {150, 150},
+                                {150.01, 150},
+                                {123.4, 123.4},
+                                {std::nan(""), 100},
+                                {std::numeric_limits<double>::infinity(), 100},
+                                {-std::numeric_limits<double>::infinity(), 100}};
+
+TEST(EditorPreferencesTests, everyAssignmentIsToldAndStored) {
+    QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("defaults.json"));
+    {
+        FileUserDefaults defaults(path);
+        EditorPreferences preferences(defaults);
+        QSignalSpy scale(&preferences, &EditorPreferences::scalePercentChanged);
+        for (const ScaleCase& row : scaleCases) {
+            preferences.setScalePercent(row.given);
+            EXPECT_EQ(preferences.scalePercent(), row.kept);
+            EXPECT_EQ(defaults.number(QStringLiteral("editorPanelScalePercentV2")), row.kept);
+        }
+        EXPECT_EQ(scale.count(), static_cast<qsizetype>(std::size(scaleCases)));
+
+        QSignalSpy cancels(&preferences, &EditorPreferences::doubleClickOutsideToCancelChanged);
+        QSignalSpy reduces(&preferences, &EditorPreferences::downscaleRetinaScreenshotsChanged);
+        QSignalSpy format(&preferences, &EditorPreferences::saveFormatChanged);
+        for (int repeat = 0; repeat < 2; ++repeat) {
+            preferences.setDoubleClickOutsideToCancel(false);
+            preferences.setDownscaleRetinaScreenshots(false);
+            preferences.setSaveFormat(jpg);
+        }
+        EXPECT_EQ(cancels.count(), 2);
+        EXPECT_EQ(reduces.count(), 2);
+        EXPECT_EQ(format.count(), 2);
+    }
+    EXPECT_EQ(stored(path), (QJsonObject{{QStringLiteral("editorPanelScalePercentV2"), 100},
+                                         {QStringLiteral("doubleClickOutsideToCancel"), false},
+                                         {QStringLiteral("downscaleRetinaScreenshots"), false},
+                                         {QStringLiteral("screenshotSaveFormat"), QStringLiteral("jpg")}}));
+}
+
+TEST(EditorPreferencesTests, anObserverWhoAssignsHasTheLastWord) {
+    QTemporaryDir folder;
+    FileUserDefaults defaults(folder.filePath(QStringLiteral("defaults.json")));
+    EditorPreferences preferences(defaults);
+    QObject::connect(&preferences, &EditorPreferences::scalePercentChanged, &preferences, [&] {
+        if (preferences.scalePercent() < 60)
+            preferences.setScalePercent(60);
+    });
+    preferences.setScalePercent(55);
+    EXPECT_EQ(defaults.number(QStringLiteral("editorPanelScalePercentV2")), 60);
+}
+
+} // namespace
