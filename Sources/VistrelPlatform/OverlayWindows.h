@@ -19,6 +19,8 @@ public:
     OverlayWindows& operator=(const OverlayWindows&) = delete;
     virtual ~OverlayWindows() = default;
 
+    /// What an overlay window is constructed with.
+    virtual Qt::WindowFlags windowFlags() const = 0;
     /// Creates the native window of `window`, hidden, and gives it exactly the display's native rectangle.
     virtual void prepare(QWidget& window, const Screen& screen) = 0;
     /// The picture the window shows from the moment it is mapped, dimmed as it is before a selection.

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Capture/CapturePresentationTiming.h"
 #include "Capture/CaptureTiming.h"
+#include "Capture/OverlayPresenter.h"
 #include "Capture/ScreenshotCapturing.h"
 #include "Diagnostics/LocalDiagnostics.h"
 #include "Settings/EditorPreferences.h"
@@ -15,11 +15,10 @@
 #include <stop_token>
 #include <vector>
 
-class CaptureOverlayWindow;
-class CaptureOverlayView;
+class CaptureOutput;
 
-/// Runs one capture from request to close: pictures, overlay windows, focus, copy, save, share, timing
-/// and the journal. Main thread. Owns the overlay windows, one per display, kept between captures.
+/// Runs one capture from request to close: permission, pictures, presentation, output, timing and the
+/// journal. One capture at a time. Main thread.
 class CaptureSessionCoordinator : public QObject {
     Q_OBJECT
 public:
@@ -38,11 +37,11 @@ public:
     explicit CaptureSessionCoordinator(Services services, QObject* parent = nullptr);
     ~CaptureSessionCoordinator() override;
 
-    /// Requests a capture. Dropped while one is open.
+    /// Requests a capture; `timing` is absent for requests without a shortcut. Dropped while one is open.
     void begin(CaptureTime::Instant at, std::shared_ptr<CaptureTiming> timing);
     /// Shows the overlay on generated pictures; nothing is captured or timed.
     void beginPreview();
-    /// One overlay window per current screen, and the service warmed.
+    /// One overlay window per current screen, and the service warmed. Nothing while a capture is open.
     void prepareOverlays();
     /// Ends the presentation; windows are kept.
     void close();
@@ -56,6 +55,22 @@ public:
     std::function<void(const CaptureTiming::Report&)> onMeasured;
 
 private:
-    bool isBusy = false;
+    using Timing = std::shared_ptr<CaptureTiming>;
+    using Frozen = std::vector<FrozenDisplay>;
+
+    void wirePresenter();
+    void record(Diagnostic::Action action, const Diagnostic::Details& details = {});
+    void journalPhases(CaptureTiming& timing);
+    void startCapture(const Timing& timing);
+    void captured(const Result<Frozen>& result, const Timing& timing);
+    void failed(const Error& error, const Timing& timing);
+    void present(const Frozen& displays, const Timing& timing);
+    void completeMeasurement(const Timing& timing, const std::optional<QString>& error);
+    void displaysChanged();
+
     Services services;
+    OverlayPresenter presenter;
+    std::unique_ptr<CaptureOutput> output;
+    std::stop_source captureTask;
+    bool isBusy = false;
 };

@@ -87,19 +87,19 @@ enum class ErrorKind { capture, encoding, cocoa, screenCaptureKit, hotkey, other
 
 /// All optional; what is absent is left out of the journal line.
 struct Details {
-    std::optional<int> tool;
-    std::optional<int> size;
-    std::optional<int> layers;
-    std::optional<int> width;
-    std::optional<int> height;
-    std::optional<int> displays;
-    std::optional<int> displayIndex;
-    std::optional<double> durationMS;
-    std::optional<double> offsetMS;
-    std::optional<Phase> phase;
-    std::optional<Source> source;
-    std::optional<ErrorKind> errorKind;
-    std::optional<int> errorCode;
+    std::optional<int> tool = std::nullopt;
+    std::optional<int> size = std::nullopt;
+    std::optional<int> layers = std::nullopt;
+    std::optional<int> width = std::nullopt;
+    std::optional<int> height = std::nullopt;
+    std::optional<int> displays = std::nullopt;
+    std::optional<int> displayIndex = std::nullopt;
+    std::optional<double> durationMS = std::nullopt;
+    std::optional<double> offsetMS = std::nullopt;
+    std::optional<Phase> phase = std::nullopt;
+    std::optional<Source> source = std::nullopt;
+    std::optional<ErrorKind> errorKind = std::nullopt;
+    std::optional<int> errorCode = std::nullopt;
 
     friend bool operator==(const Details&, const Details&) = default;
 };

@@ -33,13 +33,13 @@ public:
 
     struct Configuration {
         /// Where the three files live; empty means "Diagnostics" in the user's data folder.
-        QString directory;
+        QString directory = {};
         /// The program's own version; anything but two to four numbers counts as "development".
         QString version;
         /// Bytes per file.
         qint64 limit = 524288;
         /// The clock, called on any thread; the system's when empty.
-        std::function<QDateTime()> now;
+        std::function<QDateTime()> now = {};
     };
 
     /// `defaults` is borrowed and outlives this object.

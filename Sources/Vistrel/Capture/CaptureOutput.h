@@ -1,0 +1,42 @@
+#pragma once
+
+#include "Capture/OverlayPresenter.h"
+#include "Diagnostics/DiagnosticRecord.h"
+#include "Output/ImageClipboard.h"
+#include "Output/SavePanel.h"
+#include "Settings/EditorPreferences.h"
+#include "VistrelPlatform/Result.h"
+
+#include <functional>
+
+class CaptureOverlayWindow;
+
+/// What becomes of an exported picture: the clipboard, a file, another program. A failure leaves the
+/// overlay open with everything in it. Main thread.
+class CaptureOutput {
+public:
+    /// Both are borrowed. The clipboard is the session's unless another is given.
+    CaptureOutput(OverlayPresenter& presenter, const EditorPreferences& preferences,
+                  ImageClipboard clipboard = {});
+
+    void copy(const QImage& image);
+    /// Asks where in a panel in front of `window`, then writes there.
+    void save(const QImage& image, CaptureOverlayWindow& window);
+    /// Takes away whatever waits for an answer.
+    void cancel();
+
+    std::function<void(Diagnostic::Action, const Diagnostic::Details&)> onDiagnosticEvent;
+    /// The picture was delivered: the capture can close.
+    std::function<void()> onDone;
+
+private:
+    void record(Diagnostic::Action action, const Diagnostic::Details& details = {});
+    void write(const QImage& image, ScreenshotSaveFormat format, const QString& path,
+               CaptureOverlayWindow& window);
+    void showSaveFailure(const QString& description, CaptureOverlayWindow& window);
+
+    OverlayPresenter& presenter;
+    const EditorPreferences& preferences;
+    ImageClipboard clipboard;
+    SavePanel savePanel;
+};
