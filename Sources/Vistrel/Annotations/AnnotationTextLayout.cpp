@@ -71,8 +71,7 @@ Size AnnotationTextLayout::size(const QString& text, double fontSize, Size avail
         QTextLayout paragraph(line, wholeSize);
         height += layOut(paragraph, width / factor);
     }
-    height = std::ceil(std::max(QFontMetricsF(wholeSize).lineSpacing(), height) * factor);
-    return {width, std::min(height, std::max(available.height, 1.0))};
+    return {width, std::min(std::ceil(height * factor), std::max(available.height, 1.0))};
 }
 
 void AnnotationTextLayout::draw(const EditorAnnotation& annotation, QPainter& painter) {

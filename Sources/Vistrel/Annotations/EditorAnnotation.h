@@ -13,17 +13,17 @@
 
 /// One annotation layer: a value in view points, y up.
 struct EditorAnnotation {
-    QUuid id;
+    QUuid id = {};
     AnnotationTool tool = AnnotationTool::pen;
     /// Stroke width in points; for text the font's size in points.
     double width = 1;
     /// The size the user chose, in image pixels (1 to 99); absent for layers that never had one.
-    std::optional<int> size;
-    QColor color;
+    std::optional<int> size = std::nullopt;
+    QColor color = {};
     /// Freehand tools: the polyline. Line and arrow: start, end. Others: two opposite corners.
-    std::vector<Point> points;
+    std::vector<Point> points = {};
     /// A text layer's text exactly as typed; empty for other tools.
-    QString text;
+    QString text = {};
 
     friend bool operator==(const EditorAnnotation&, const EditorAnnotation&) = default;
 

@@ -4,8 +4,8 @@
 
 /// The document: layers from bottom to top, and the selected one.
 struct EditorState {
-    std::vector<EditorAnnotation> annotations;
-    std::optional<QUuid> selectedID;
+    std::vector<EditorAnnotation> annotations = {};
+    std::optional<QUuid> selectedID = std::nullopt;
 
     friend bool operator==(const EditorState&, const EditorState&) = default;
 

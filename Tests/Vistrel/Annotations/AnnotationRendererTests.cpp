@@ -1,0 +1,391 @@
+#include "Annotations/AnnotationRenderer.h"
+
+#include "Annotations/ImageSpace.h"
+#include "Vistrel/Annotations/TestPictures.h"
+
+#include <QPaintEvent>
+#include <QPainter>
+#include <QWidget>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <random>
+
+namespace {
+
+using Layers = std::vector<EditorAnnotation>;
+
+EditorAnnotation layer(AnnotationTool tool, std::vector<Point> points, double width = 4,
+                       const QColor& color = Qt::red) {
+    return {
+        .id = QUuid::createUuid(), .tool = tool, .width = width, .color = color, .points = std::move(points)};
+}
+
+/// A picture of the given pixels in a view at a scale, all of it selected.
+struct Scene {
+    QImage image;
+    double scale = 1;
+    Rect selection = {-1e6, -1e6, 2e6, 2e6};
+
+    Rect bounds() const { return {0, 0, image.width() / scale, image.height() / scale}; }
+    ImageSpace space() const { return {image.size(), bounds()}; }
+    /// Pixels as an area of the view.
+    Rect view(const QRect& pixels) const { return space().view(pixels); }
+    std::vector<Point> corners(const QRect& pixels) const {
+        const Rect r = view(pixels);
+        return {{r.minX(), r.minY()}, {r.maxX(), r.maxY()}};
+    }
+
+    void draw(AnnotationRenderer& renderer, const Layers& layers, QPainter& painter) const {
+        ViewFlip{bounds().height}.apply(painter);
+        renderer.draw(layers, painter, {image, bounds(), selection});
+    }
+    /// The picture's pixels in `area` with the layers over them, as they are exported.
+    QImage painted(AnnotationRenderer& renderer, const Layers& layers, const QRect& area) const {
+        QImage result = image.copy(area).convertToFormat(QImage::Format_ARGB32_Premultiplied);
+        QPainter painter(&result);
+        painter.translate(-area.topLeft());
+        painter.scale(scale, scale);
+        draw(renderer, layers, painter);
+        painter.end();
+        return result.convertToFormat(QImage::Format_RGB32);
+    }
+    QImage painted(const Layers& layers) const {
+        AnnotationRenderer renderer;
+        return painted(renderer, layers, image.rect());
+    }
+};
+
+constexpr double scales[] = {1, 1.25, 2};
+
+Scene noisyScene(double scale = 1, QSize size = {320, 240}) {
+    return {TestPictures::noise(size, 11), scale};
+}
+
+Scene plainScene(double scale = 1, QSize size = {320, 240}) {
+    Scene scene = {QImage(size, QImage::Format_RGB32), scale};
+    scene.image.fill(Qt::white);
+    return scene;
+}
+
+/// Every tool somewhere, effects over one another, in pixels of the scene.
+Layers manyLayers(const Scene& scene, unsigned seed, int count) {
+    std::mt19937 random(seed);
+    const auto below = [&](int limit) { return static_cast<int>(random() % static_cast<unsigned>(limit)); };
+    const auto point = [&] {
+        return Point{below(scene.image.width()) / scene.scale, below(scene.image.height()) / scene.scale};
+    };
+    Layers layers;
+    for (int i = 0; i < count; ++i) {
+        const auto tool = static_cast<AnnotationTool>(1 + i % 9);
+        std::vector<Point> points = {point(), point()};
+        if (AnnotationTools::isFreehand(tool)) {
+            const int length = below(120);
+            for (int p = 0; p < length; ++p)
+                points.push_back(points.back() + Point{below(21) - 10.0, below(21) - 10.0});
+        }
+        layers.push_back(layer(tool, std::move(points), (2 + below(16)) / scene.scale,
+                               QColor(below(256), below(256), below(256))));
+        if (tool == AnnotationTool::text)
+            layers.back().text = QStringLiteral("some text\nto see");
+    }
+    return layers;
+}
+
+} // namespace
+
+TEST(AnnotationRenderer, pixelateShowsTheExactBlocksOfThePictureAtEveryScale) {
+    for (const double scale : scales) {
+        const Scene scene = noisyScene(scale);
+        const QRect area(37, 50, 101, 67);
+        // A size of 12 as the editor turns it into points, with its rounding.
+        const double width = 12 * (scene.bounds().width / scene.image.width());
+        const QImage result = scene.painted({layer(AnnotationTool::pixelate, scene.corners(area), width)});
+        QImage expected = scene.image.copy();
+        QPainter(&expected).drawImage(
+            area.topLeft(), TestPictures::exactBlocks(scene.image, EffectFilters::Blocks{12}).copy(area));
+        EXPECT_EQ(result, expected) << scale;
+    }
+}
+
+TEST(AnnotationRenderer, pixelateCoversEveryPixelThatItTouches) {
+    const Scene scene = noisyScene();
+    const Rect box = {20.3, 30.6, 40.1, 50.1}; // pixels 20 to 61 and 159 to 210
+    const QImage result =
+        scene.painted({layer(AnnotationTool::pixelate, {{box.x, box.y}, {box.maxX(), box.maxY()}}, 8)});
+    const QImage blocks = TestPictures::exactBlocks(scene.image, EffectFilters::Blocks{8});
+    const QRect touched(20, 159, 41, 51);
+    EXPECT_EQ(result.copy(touched), blocks.copy(touched));
+    EXPECT_EQ(result.copy(touched.adjusted(-1, 0, -41, 0)),
+              scene.image.copy(touched.adjusted(-1, 0, -41, 0)));
+}
+
+TEST(AnnotationRenderer, blurShowsTheExactBlurUnderTheStroke) {
+    for (const double scale : scales) {
+        const Scene scene = noisyScene(scale, {300, 200});
+        const double width = 24 / scale;
+        const EditorAnnotation blur =
+            layer(AnnotationTool::blur,
+                  {{0, 100 / scale}, {200 / scale, 100 / scale}, {290 / scale, 199 / scale}}, width);
+        const QImage result = scene.painted({blur});
+        const QImage exact = TestPictures::exactBlur(scene.image, EffectFilters::blurSigma);
+        for (const QRect& inside : {QRect(0, 90, 195, 19), QRect(242, 47, 6, 6), QRect(286, 0, 12, 4)})
+            EXPECT_LE(TestPictures::largestDifference(result, exact, inside), 1) << scale;
+        EXPECT_EQ(result.copy(0, 120, 300, 80), scene.image.copy(0, 120, 300, 80)) << scale;
+    }
+}
+
+TEST(AnnotationRenderer, effectsActOnWhatIsSeenBelowThem) {
+    const Scene scene = noisyScene();
+    const EditorAnnotation arrow = layer(AnnotationTool::arrow, {{20, 120}, {290, 100}}, 10);
+    const EditorAnnotation fine = layer(AnnotationTool::pixelate, {{0, 60}, {320, 180}}, 5);
+    const EditorAnnotation coarse = layer(AnnotationTool::pixelate, {{40, 80}, {240, 160}}, 12);
+    const EditorAnnotation blur = layer(AnnotationTool::blur, {{60, 110}, {260, 110}}, 40);
+
+    const QImage underCoarse = scene.painted({arrow, fine});
+    EXPECT_EQ(scene.painted({arrow, fine, coarse}).copy(40, 80, 200, 80),
+              TestPictures::exactBlocks(underCoarse, EffectFilters::Blocks{12}).copy(40, 80, 200, 80));
+
+    const QImage underBlur = scene.painted({arrow, fine, coarse});
+    const QImage result = scene.painted({arrow, fine, coarse, blur});
+    EXPECT_LE(TestPictures::largestDifference(
+                  result, TestPictures::exactBlur(underBlur, EffectFilters::blurSigma), {60, 112, 200, 36}),
+              1);
+}
+
+TEST(AnnotationRenderer, markerThatCrossesItselfIsEvenlyTinted) {
+    for (const double scale : scales) {
+        for (const double pixels : {1.0, 16.0}) {
+            const Scene scene = plainScene(scale);
+            const EditorAnnotation marker = layer(
+                AnnotationTool::marker,
+                {{50, 60}, {110, 60}, {50, 60}, {50, 90}, {80, 90}, {80, 30}, {82, 31}, {81, 33}, {50, 60}},
+                pixels / scale, Qt::black);
+            const QImage result = scene.painted({marker});
+            int darkest = 255;
+            for (int y = 0; y < result.height(); ++y)
+                for (int x = 0; x < result.width(); ++x)
+                    darkest = std::min(darkest, qGray(result.pixel(x, y)));
+            EXPECT_NEAR(darkest, 255 * 0.65, 1) << scale << " " << pixels;
+        }
+    }
+}
+
+TEST(AnnotationRenderer, nothingIsPaintedOutsideTheSelection) {
+    for (const double scale : scales) {
+        Scene scene = noisyScene(scale);
+        const QRect selected(50, 60, 130, 90);
+        scene.selection = scene.view(selected);
+        const QImage result = scene.painted(manyLayers(scene, 3, 60));
+        QImage restored = result;
+        QPainter(&restored).drawImage(selected.topLeft(), scene.image.copy(selected));
+        EXPECT_EQ(restored, scene.image) << scale;
+        EXPECT_GT(TestPictures::largestDifference(result, scene.image, selected), 100);
+    }
+}
+
+TEST(AnnotationRenderer, effectsDoNotSeeLayersOutsideTheSelection) {
+    Scene scene = plainScene();
+    scene.selection = scene.view({0, 0, 160, 240});
+    const EditorAnnotation line = layer(AnnotationTool::line, {{175, 0}, {175, 240}}, 20, Qt::black);
+    const EditorAnnotation blur = layer(AnnotationTool::blur, {{150, 120}, {150, 120}}, 18);
+    EXPECT_EQ(scene.painted({line, blur}), scene.image);
+}
+
+struct StrokeCase {
+    const char* name;
+    EditorAnnotation layer;
+    std::vector<Point> inside;
+    std::vector<Point> outside;
+};
+
+TEST(AnnotationRenderer, strokesHaveRoundEndsAndAreNotFilled) {
+    const StrokeCase cases[] = {
+        {"pressOfThePen",
+         layer(AnnotationTool::pen, {{50, 50}, {50, 50}}, 20),
+         {{50, 50}, {57, 50}},
+         {{62, 50}}},
+        {"pressOfTheRectangle",
+         layer(AnnotationTool::rectangle, {{50, 50}, {50, 50}}, 20),
+         {{50, 43}},
+         {{50, 38}}},
+        {"line",
+         layer(AnnotationTool::line, {{50, 50}, {90, 50}}, 20),
+         {{42, 50}, {98, 50}},
+         {{42, 58}, {90, 62}}},
+        {"corner", layer(AnnotationTool::pen, {{50, 50}, {90, 50}, {90, 90}}, 20), {{95, 45}}, {{99, 41}}},
+        {"rectangle",
+         layer(AnnotationTool::rectangle, {{90, 20}, {20, 90}}),
+         {{20, 50}, {50, 90}},
+         {{50, 50}}},
+        {"flatRectangle",
+         layer(AnnotationTool::rectangle, {{20, 50}, {90, 50}}),
+         {{21, 50}, {89, 50}},
+         {{50, 54}}},
+        {"ellipse",
+         layer(AnnotationTool::ellipse, {{20, 20}, {100, 60}}),
+         {{20, 40}, {60, 60}},
+         {{60, 40}, {21, 21}}},
+        {"arrow", layer(AnnotationTool::arrow, {{20, 50}, {90, 50}}), {{81, 55}, {81, 45}}, {{60, 54}}},
+        {"select", layer(AnnotationTool::select, {{20, 50}, {90, 50}}), {}, {{50, 50}}},
+        {"withoutPoints", layer(AnnotationTool::pen, {}), {}, {{0, 0}}},
+    };
+    for (const double scale : scales) {
+        const Scene scene = plainScene(scale);
+        for (const StrokeCase& c : cases) {
+            const QImage result = scene.painted({c.layer});
+            const auto colorAt = [&](Point p) {
+                return QColor(
+                    result.pixel(int(p.x * scale), int((scene.bounds().height - p.y) * scale - 0.5)));
+            };
+            for (const Point p : c.inside)
+                EXPECT_EQ(colorAt(p), QColor(Qt::red)) << c.name << " " << scale << " " << p.x << "," << p.y;
+            for (const Point p : c.outside)
+                EXPECT_EQ(colorAt(p), QColor(Qt::white))
+                    << c.name << " " << scale << " " << p.x << "," << p.y;
+        }
+    }
+}
+
+// The filled area of a stroke is all that lies within half its width; nothing may be missing or doubled
+// where a fast hand leaves many short steps under a wide brush.
+TEST(AnnotationRenderer, wideStrokeOfShortStepsHasNoHoles) {
+    const Scene scene = plainScene();
+    std::mt19937 random(5);
+    for (int round = 0; round < 20; ++round) {
+        std::vector<Point> points = {{160, 120}};
+        for (int i = 0; i < 60; ++i)
+            points.push_back(points.back() + Point{double(random() % 7) - 3, double(random() % 7) - 3});
+        const QImage result = scene.painted({layer(AnnotationTool::marker, points, 48, Qt::black)});
+        for (int y = 0; y < result.height(); y += 3)
+            for (int x = 0; x < result.width(); x += 3) {
+                double nearest = 1e9;
+                for (const Point& p : points)
+                    nearest = std::min(nearest, std::hypot(p.x - x - 0.5, 240 - p.y - y - 0.5));
+                if (nearest >= 23)
+                    continue;
+                ASSERT_NEAR(qGray(result.pixel(x, y)), 255 * 0.65, 1) << x << "," << y;
+            }
+    }
+}
+
+TEST(AnnotationRenderer, repaintedPiecesFitTogether) {
+    for (const double scale : scales) {
+        const Scene scene = noisyScene(scale);
+        const Layers layers = manyLayers(scene, 17, 50);
+        const QImage whole = scene.painted(layers);
+        AnnotationRenderer renderer;
+        QImage pieces = scene.image.convertToFormat(QImage::Format_ARGB32_Premultiplied);
+        std::mt19937 random(2);
+        for (int y = 0; y < pieces.height(); y += 40)
+            for (int x = 0; x < pieces.width(); x += 64) {
+                QPainter painter(&pieces);
+                painter.setClipRect(x, y, 64, 40);
+                painter.scale(scale, scale);
+                scene.draw(renderer, layers, painter);
+            }
+        EXPECT_EQ(pieces.convertToFormat(QImage::Format_RGB32), whole) << scale;
+        const QRect crop(33, 57, 180, 99);
+        EXPECT_EQ(scene.painted(renderer, layers, crop), whole.copy(crop)) << scale;
+    }
+}
+
+// Whatever is done to the layers, the kept pixels give the same picture as computing all anew.
+TEST(AnnotationRenderer, keptPixelsAreNeverOutdated) {
+    Scene scene = noisyScene(1.25, {260, 190});
+    Layers layers = manyLayers(scene, 23, 18);
+    AnnotationRenderer kept;
+    std::mt19937 random(9);
+    const auto any = [&](std::size_t count) { return static_cast<std::size_t>(random()) % count; };
+    const std::vector<std::pair<const char*, std::function<void()>>> edits = {
+        {"move",
+         [&] {
+             auto& l = layers[any(layers.size())];
+             l = l.movedBy({7, -5});
+         }},
+        {"grow",
+         [&] {
+             auto& l = layers[any(layers.size())];
+             l.points.push_back(l.points.back() + Point{9, 4});
+         }},
+        {"width", [&] { layers[any(layers.size())].width += 1.5; }},
+        {"color", [&] { layers[any(layers.size())].color = QColor(int(any(256)), 10, 200); }},
+        {"delete", [&] { layers.erase(layers.begin() + std::ptrdiff_t(any(layers.size()))); }},
+        {"add",
+         [&] {
+             const Layers more = manyLayers(scene, unsigned(random()), 9);
+             layers.push_back(more[any(9)]);
+         }},
+        {"reorder", [&] { std::swap(layers[any(layers.size())], layers[any(layers.size())]); }},
+        {"selection", [&] { scene.selection = scene.view(QRect(int(any(80)), int(any(80)), 160, 110)); }},
+        {"clear", [&] { kept.clearPatches(); }},
+        {"newPicture", [&] { scene.image = TestPictures::noise(scene.image.size(), unsigned(random())); }},
+    };
+    for (int round = 0; round < 50; ++round) {
+        const auto& [name, edit] = edits[any(edits.size())];
+        edit();
+        const QRect area(int(any(120)), int(any(90)), 140, 100);
+        AnnotationRenderer fresh;
+        EXPECT_EQ(scene.painted(kept, layers, area), scene.painted(fresh, layers, area))
+            << round << " " << name;
+    }
+}
+
+TEST(AnnotationRenderer, largerScreenPixelsShowTheEffectsSmoothOrSharp) {
+    // A picture of half the display's density, shown at twice its size.
+    Scene scene = noisyScene(1, {200, 150});
+    const EditorAnnotation blur = layer(AnnotationTool::blur, {{0, 75}, {200, 75}}, 60);
+    const EditorAnnotation blocks = layer(AnnotationTool::pixelate, {{20, 10}, {180, 40}}, 10);
+    const auto shown = [&](const Layers& layers) {
+        QImage screen = scene.image.scaled(400, 300).convertToFormat(QImage::Format_RGB32);
+        QPainter painter(&screen);
+        painter.scale(2, 2);
+        AnnotationRenderer renderer;
+        scene.draw(renderer, layers, painter);
+        return screen;
+    };
+    EXPECT_EQ(shown({blocks}).copy(40, 220, 320, 60),
+              scene.painted({blocks}).scaled(400, 300).copy(40, 220, 320, 60));
+    const QImage exact = TestPictures::exactBlur(scene.image, EffectFilters::blurSigma).scaled(400, 300);
+    EXPECT_LE(TestPictures::largestDifference(shown({blur}), exact, {0, 100, 400, 100}), 3);
+}
+
+namespace {
+
+/// Paints the scene's layers like the canvas does, as a widget inside a window.
+class LayersWidget : public QWidget {
+public:
+    LayersWidget(const Scene& shownScene, const Layers& shownLayers, QWidget* parent)
+        : QWidget(parent), scene(shownScene), layers(shownLayers) {}
+
+protected:
+    void paintEvent(QPaintEvent*) override {
+        QPainter painter(this);
+        painter.drawImage(QRectF(rect()), scene.image, QRectF(scene.image.rect()));
+        scene.draw(renderer, layers, painter);
+    }
+
+private:
+    const Scene& scene;
+    const Layers& layers;
+    AnnotationRenderer renderer;
+};
+
+} // namespace
+
+TEST(AnnotationRenderer, widgetRepaintsJustWhatChanged) {
+    const Scene scene = noisyScene();
+    Layers layers = manyLayers(scene, 31, 40);
+    const QImage whole = scene.painted(layers);
+    QWidget window;
+    window.resize(400, 300);
+    LayersWidget canvas(scene, layers, &window);
+    canvas.setGeometry(30, 20, 320, 240);
+    QImage target(window.size(), QImage::Format_RGB32);
+    for (const QRect& part : {QRect(30, 20, 320, 240), QRect(31, 22, 50, 77), QRect(200, 190, 100, 60)}) {
+        target.fill(Qt::black);
+        window.render(&target, part.topLeft(), part);
+        EXPECT_EQ(target.copy(part), whole.copy(part.translated(-30, -20)));
+    }
+}

@@ -1,0 +1,137 @@
+#include "Annotations/AnnotationTextLayout.h"
+
+#include "Annotations/ViewFlip.h"
+
+#include <QFontMetricsF>
+#include <QPainter>
+#include <QTextLayout>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+constexpr Size plenty = {10000, 10000};
+
+double lineHeight(double fontSize) {
+    // Lines stand a whole number of the font's own pixels apart.
+    return std::ceil(QFontMetricsF(AnnotationTextLayout::font(fontSize)).lineSpacing()) *
+           AnnotationTextLayout::scale(fontSize);
+}
+
+Size sizeOf(const QString& text, double fontSize = 20, Size available = plenty) {
+    return AnnotationTextLayout::size(text, fontSize, available);
+}
+
+/// The area of dark pixels after a text layer is painted in a box at the top of a white picture.
+QRect inkOf(const QString& text, double fontSize, Size box, double scale = 1) {
+    QImage image(int(400 * scale), int(300 * scale), QImage::Format_RGB32);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    painter.scale(scale, scale);
+    ViewFlip{300}.apply(painter);
+    AnnotationTextLayout::draw({.id = {},
+                                .tool = AnnotationTool::text,
+                                .width = fontSize,
+                                .size = {},
+                                .color = Qt::black,
+                                .points = {{50, 300 - box.height}, {50 + box.width, 300}},
+                                .text = text},
+                               painter);
+    QRect ink;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            if (qGray(image.pixel(x, y)) < 160)
+                ink |= QRect(x, y, 1, 1);
+    return ink;
+}
+
+} // namespace
+
+struct TextHeightCase {
+    const char* name;
+    QString text;
+    double lines;
+};
+
+TEST(AnnotationTextLayout, everyLineFeedMakesRoom) {
+    const TextHeightCase cases[] = {
+        {"empty", {}, 1},
+        {"one", QStringLiteral("word"), 1},
+        {"two", QStringLiteral("word\nword"), 2},
+        {"lineFeedAtTheEnd", QStringLiteral("word\n"), 2},
+        {"onlyLineFeeds", QStringLiteral("\n\n"), 3},
+        {"emptyLineBetween", QStringLiteral("a\n\nb"), 3},
+    };
+    for (const TextHeightCase& c : cases)
+        for (const double fontSize : {7.0, 19.2, 24.0, 99.0})
+            EXPECT_EQ(sizeOf(c.text, fontSize).height, std::ceil(c.lines * lineHeight(fontSize)))
+                << c.name << " " << fontSize;
+}
+
+TEST(AnnotationTextLayout, widthIsThatOfTheWidestLineAndOne) {
+    const double one = sizeOf(QStringLiteral("wide word")).width;
+    EXPECT_EQ(sizeOf(QStringLiteral("i\nwide word\nii")).width, one);
+    EXPECT_EQ(sizeOf(QString()).width, 2);
+    EXPECT_GT(sizeOf(QStringLiteral("wide word  ")).width, one) << "spaces at the end are typed, too";
+    EXPECT_GT(sizeOf(QStringLiteral("a\tb")).width, sizeOf(QStringLiteral("ab")).width + 10);
+    // What is measured must not wrap when it is laid out again.
+    for (double fontSize = 3; fontSize < 60; fontSize += 0.37)
+        EXPECT_EQ(sizeOf(QStringLiteral("some words to wrap"), fontSize).height,
+                  std::ceil(lineHeight(fontSize)));
+}
+
+TEST(AnnotationTextLayout, availableSizeLimitsTheBox) {
+    const QString text = QStringLiteral("several words that need more than one line");
+    const Size free = sizeOf(text);
+    const Size narrow = sizeOf(text, 20, {free.width / 2.5, 10000});
+    EXPECT_EQ(narrow.width, free.width / 2.5);
+    EXPECT_GE(narrow.height, 3 * lineHeight(20));
+    EXPECT_EQ(sizeOf(text, 20, {free.width / 2.5, 30}).height, 30);
+    EXPECT_EQ(sizeOf(text, 20, {-5, -5}), (Size{1, 1}));
+    EXPECT_GE(sizeOf(QStringLiteral("oneverylongword"), 20, {40, 10000}).height, 3 * lineHeight(20))
+        << "a word wider than the box is broken";
+}
+
+TEST(AnnotationTextLayout, fractionsOfASizeCount) {
+    EXPECT_NEAR(AnnotationTextLayout::scale(19.2) * 19, 19.2, 1e-12);
+    EXPECT_EQ(AnnotationTextLayout::scale(24), 1);
+    const QString text = QString(40, u'm');
+    const double w19 = sizeOf(text, 19).width;
+    const double w20 = sizeOf(text, 20).width;
+    EXPECT_NEAR(sizeOf(text, 19.25).width, w19 + (w20 - w19) / 4, 2);
+}
+
+TEST(AnnotationTextLayout, paintsWithinTheMeasuredBoxAtEveryScale) {
+    const QString text = QStringLiteral("Hamburg\nfonts");
+    for (const double fontSize : {12.0, 19.2, 30.0}) {
+        for (const double scale : {1.0, 1.25, 2.0}) {
+            const Size box = sizeOf(text, fontSize);
+            const QRect ink = inkOf(text, fontSize, box, scale);
+            const QRectF area(50 * scale, 0, box.width * scale, box.height * scale);
+            EXPECT_TRUE(area.adjusted(-1, 0, 1, 0).contains(QRectF(ink))) << fontSize << " " << scale;
+            EXPECT_GT(ink.width(), 0.8 * area.width());
+            EXPECT_GT(ink.height(), 0.55 * area.height());
+        }
+    }
+}
+
+TEST(AnnotationTextLayout, linesThatDoNotFitIntoTheBoxAreLeftOut) {
+    const QString text = QStringLiteral("HHH\nHHH\nHHH");
+    const Size box = sizeOf(text);
+    const int two = inkOf(text, 20, {box.width, 2 * lineHeight(20)}).height();
+    EXPECT_EQ(inkOf(text, 20, {box.width, box.height - 2}).height(), two);
+    EXPECT_GT(inkOf(text, 20, box).height(), two + 10);
+    EXPECT_EQ(inkOf(text, 20, {box.width, 5}), inkOf(QStringLiteral("HHH"), 20, box))
+        << "the first line is painted even where it does not fit";
+}
+
+TEST(AnnotationTextLayout, textFromRightToLeftStandsAtTheRight) {
+    const QRect hebrew = inkOf(QStringLiteral("שלום"), 20, {300, 40});
+    const QRect latin = inkOf(QStringLiteral("word"), 20, {300, 40});
+    EXPECT_LT(latin.left(), 60);
+    EXPECT_GT(hebrew.right(), 340);
+    EXPECT_GT(hebrew.left(), 250);
+    const QRect mixed = inkOf(QStringLiteral("word\nשלום"), 20, {300, 80});
+    EXPECT_LT(mixed.left(), 60);
+    EXPECT_GT(mixed.right(), 340) << "every paragraph has its own direction";
+}
