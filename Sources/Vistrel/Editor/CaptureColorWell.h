@@ -4,7 +4,9 @@
 #include <QPushButton>
 
 #include <functional>
+#include <optional>
 
+class EditorHint;
 class QColorDialog;
 
 /// The colour button of the tools panel. All wells share one colour dialog, which at most one of them
@@ -17,11 +19,13 @@ public:
 
     /// Makes the dialog stand above the overlay; called before every show. Set once by the application.
     static std::function<void(QWidget& dialog)> prepareDialog;
-    /// Puts everything back after the dialog has been hidden.
+    /// Puts back what that changed; called after the dialog has been hidden.
     static std::function<void(QWidget& dialog)> restoreDialog;
 
     /// The user chose a colour. A drag in the dialog is reported once, when it ends.
     std::function<void(const QColor&)> onColor;
+    /// The picker of this well is about to open.
+    std::function<void()> onPickerOpened;
     /// The picker of this well has been closed, by whomever.
     std::function<void()> onPickerClosed;
 
@@ -32,7 +36,8 @@ public:
     /// Closes the dialog if this well opened it; nothing otherwise.
     void closePicker();
     bool isActive() const;
-    bool isHovered() const { return underMouse(); }
+    bool isHovered() const;
+    EditorHint& hint() { return *bubble; }
 
     /// The one dialog; made on first use.
     static QColorDialog& sharedDialog();
@@ -44,13 +49,16 @@ public:
 
 protected:
     bool event(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
-    void mousePressEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    void openDialog();
     void dialogChanged(const QColor& color);
     void reportChoice();
 
+    EditorHint* bubble;
     QColor shown = Qt::red;
     std::optional<QColor> unreported;
 };

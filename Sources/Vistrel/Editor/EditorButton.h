@@ -44,6 +44,8 @@ public:
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return {}; }
 
+    /// The ring around a control that has the keyboard.
+    static void paintFocusRing(QPainter& painter, const QRectF& bounds, double radius);
     /// Removes the hint of every button in the tree.
     static void dismissHints(QWidget& root);
 
@@ -51,6 +53,7 @@ protected:
     bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     void nextCheckState() override {}
     bool hitButton(const QPoint& position) const override { return rect().contains(position); }
     /// Icon and title; the highlights are painted before and after it.

@@ -3,21 +3,24 @@
 #include <QPainterPath>
 #include <QWidget>
 
-/// One floating panel: a fill of the panel colour in a given outline. What lies outside the outline
-/// belongs to the canvas below, and so does a press on bare background.
+#include <vector>
+
+/// One floating panel: the panel colour in a shape of rounded rectangles. Outside the shape, and on its
+/// bare background, presses go to the canvas below. Sizes are widget points.
 class EditorPanel : public QWidget {
     Q_OBJECT
 public:
     explicit EditorPanel(QWidget* parent = nullptr);
 
-    /// The visible shape in widget points. `pieces` are the rectangles that hold it.
-    void setOutline(const QPainterPath& path, const QRegion& pieces);
-    const QPainterPath& outline() const { return path; }
+    void setShape(std::vector<QRectF> rects, double radius);
+    /// The whole points that the shape touches.
+    QRegion region() const;
     bool isInside(QPointF position) const;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    QPainterPath path;
+    std::vector<QRectF> pieces;
+    double radius = 0;
 };

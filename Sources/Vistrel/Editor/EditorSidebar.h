@@ -7,7 +7,6 @@
 #include <array>
 #include <functional>
 #include <span>
-#include <vector>
 
 class CaptureColorWell;
 class EditorButton;
@@ -26,13 +25,15 @@ public:
         std::span<const EditorAnnotation> annotations;
         std::optional<QUuid> selected;
         AnnotationTool tool = AnnotationTool::select;
-        /// Rebuilds the rows even if none has changed.
+        /// Builds the rows again even if none has changed.
         bool force = false;
     };
     struct Frames {
         QRectF tools;
         QRectF layers;
         double scale = 1;
+
+        friend bool operator==(const Frames&, const Frames&) = default;
     };
 
     explicit EditorSidebar(QWidget* parent = nullptr);
@@ -49,10 +50,10 @@ public:
     void addHistoryControls(EditorButton& undo, EditorButton& redo);
     /// Installs the colour well and takes ownership of it.
     void setColorControl(CaptureColorWell& well);
-    /// Stands the two panels at their frames, magnified.
+    /// Stands the two panels at their frames, magnified. Everything outside them belongs to the canvas.
     void place(const Frames& frames);
 
-    /// The size strip; the owner fills it.
+    /// The size strip; its owner fills it.
     EditorSizeControls& controls() const { return *sizeControls; }
     EditorPanel& tools() const { return *toolsPanel; }
     EditorPanel& layerPanel() const { return *layersPanel; }
@@ -63,14 +64,17 @@ public:
     /// True over a panel that is shown; `position` in this widget's points.
     bool isOverPanel(QPointF position) const;
 
+protected:
+    void showEvent(QShowEvent* event) override;
+
 private:
     void buildTools();
     void buildLayers();
     void layoutTools();
     void layoutLayers();
-    void layoutFocusOrder();
+    void updateFocusOrder();
 
-    Frames current;
+    Frames frames;
     EditorPanel* toolsPanel;
     EditorPanel* layersPanel;
     EditorSizeControls* sizeControls;

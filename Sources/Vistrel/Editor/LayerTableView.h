@@ -7,6 +7,7 @@
 #include <functional>
 
 class LayerRowView;
+class LayerScrollBar;
 
 /// The list of layers, newest first. Only the rows in sight have widgets, and those are used again, so
 /// that a thousand layers cost no more than five. Design sizes are magnified.
@@ -35,6 +36,8 @@ public:
 
     /// The drop position of the layer being dragged.
     std::optional<int> layerInsertion() const { return pendingInsertion; }
+    /// The drop indicator, for whoever looks at it.
+    const QWidget& dropIndicator() const { return *indicator; }
     /// A row in sight; null for any other.
     LayerRowView* rowView(int row) const;
     /// A row's rectangle in the viewport.
@@ -43,34 +46,40 @@ public:
     std::optional<int> rowAt(QPointF position) const;
     void scrollToRow(int row);
 
-    /// The three steps of a drag, positions in the viewport.
+    /// The two steps of a drag, positions in the viewport. A layer let go outside the list stays.
     void previewMove(QPointF position);
-    void finishMove(int row, QPointF position);
-    void cancelMove();
-    /// The user chose a row.
-    void chooseRow(int row);
+    void finishMove(const QUuid& layer, QPointF position);
+    /// The user chose a layer.
+    void choose(const QUuid& layer);
+    /// The row that the keyboard acts on.
+    int currentRow() const { return keyboardRow; }
 
 protected:
-    bool viewportEvent(QEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void scrollContentsBy(int dx, int dy) override;
     void keyPressEvent(QKeyEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
-    void paintEvent(QPaintEvent* event) override;
 
 private:
+    std::optional<int> rowOf(const QUuid& layer) const;
     void updateScrollRange();
     void layoutRows();
     void updateIndicator();
-    void autoScrollStep();
+    void followPointer();
+    void setInsertion(std::optional<int> row);
+    void moveKeyboardRow(int row);
+    void moveLayer(int row, int insertion);
+    double pitch() const { return rowPitch * scale; }
 
     std::vector<LayerRow> content;
     std::vector<LayerRowView*> views;
     std::optional<int> selected;
     std::optional<int> pendingInsertion;
+    LayerScrollBar* bar;
     QWidget* indicator;
     QTimer* scroller;
     QPointF dragPosition;
+    int keyboardRow = 0;
     double scale = 1;
 };

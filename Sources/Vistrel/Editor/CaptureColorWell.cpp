@@ -1,0 +1,229 @@
+#include "Editor/CaptureColorWell.h"
+
+#include "Editor/EditorButton.h"
+#include "Editor/EditorColors.h"
+#include "Editor/EditorHint.h"
+
+#include <QApplication>
+#include <QColorDialog>
+#include <QKeyEvent>
+#include <QPainter>
+#include <QPointer>
+#include <QScreen>
+
+std::function<void(QWidget&)> CaptureColorWell::prepareDialog;
+std::function<void(QWidget&)> CaptureColorWell::restoreDialog;
+
+namespace {
+
+QPointer<CaptureColorWell> owner;
+
+/// The dialog stands over the overlay without a window manager's frame, so it draws its own edge.
+class ColorPickerDialog : public QColorDialog {
+public:
+    ColorPickerDialog() {
+        setObjectName(QStringLiteral("drawingColorPicker"));
+        setWindowTitle(QStringLiteral("Drawing color"));
+        setOptions(DontUseNativeDialog | NoButtons);
+    }
+
+protected:
+    void paintEvent(QPaintEvent* event) override {
+        QColorDialog::paintEvent(event);
+        QPainter painter(this);
+        QColor edge = palette().color(QPalette::WindowText);
+        edge.setAlphaF(0.3F);
+        painter.setPen(QPen(edge, 1));
+        painter.drawRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5));
+    }
+};
+
+QPointer<ColorPickerDialog> dialog;
+
+} // namespace
+
+QColorDialog& CaptureColorWell::sharedDialog() {
+    if (!dialog) {
+        dialog = new ColorPickerDialog;
+        QObject::connect(dialog, &QColorDialog::currentColorChanged, dialog, [](const QColor& color) {
+            if (owner)
+                owner->dialogChanged(color);
+        });
+        QObject::connect(dialog, &QDialog::finished, dialog, [] {
+            if (owner)
+                owner->closePicker();
+        });
+        // Widgets have to go before the application does.
+        qAddPostRoutine([] { delete dialog.data(); });
+    }
+    return *dialog;
+}
+
+CaptureColorWell::CaptureColorWell(QWidget* parent) : QPushButton(parent), bubble(new EditorHint(*this)) {
+    setObjectName(QStringLiteral("drawingColor"));
+    setAccessibleName(QStringLiteral("Drawing color"));
+    setAutoDefault(false);
+    setFocusPolicy(Qt::TabFocus);
+    connect(this, &QAbstractButton::clicked, this, &CaptureColorWell::activate);
+}
+
+CaptureColorWell::~CaptureColorWell() {
+    onPickerClosed = nullptr;
+    onColor = nullptr;
+    closePicker();
+}
+
+bool CaptureColorWell::isHovered() const {
+    return bubble->isHovered();
+}
+
+bool CaptureColorWell::isActive() const {
+    return owner == this;
+}
+
+void CaptureColorWell::setColor(const QColor& color) {
+    QColor opaque = color;
+    opaque.setAlpha(255);
+    if (shown == opaque)
+        return;
+    shown = opaque;
+    update();
+    if (isActive() && !unreported) {
+        const QSignalBlocker quiet(&sharedDialog());
+        sharedDialog().setCurrentColor(shown);
+    }
+}
+
+QPoint CaptureColorWell::dialogPosition(const QRect& well, QSize size, const QRect& screen) {
+    constexpr int gap = 12;
+    int x = well.right() + 1 + gap;
+    if (x + size.width() > screen.right() + 1)
+        x = well.left() - gap - size.width();
+    x = std::max(std::min(x, screen.right() + 1 - size.width()), screen.left());
+    const int y = std::max(std::min(well.top(), screen.bottom() + 1 - size.height()), screen.top());
+    return {x, y};
+}
+
+void CaptureColorWell::activate() {
+    if (!isEnabled())
+        return;
+    if (owner && owner != this)
+        owner->closePicker();
+    bubble->dismiss();
+    const bool opens = owner != this;
+    owner = this;
+    if (opens)
+        openDialog();
+    sharedDialog().raise();
+    sharedDialog().activateWindow();
+    update();
+}
+
+void CaptureColorWell::openDialog() {
+    QColorDialog& picker = sharedDialog();
+    {
+        const QSignalBlocker quiet(&picker);
+        picker.setCurrentColor(shown);
+    }
+    if (onPickerOpened)
+        onPickerOpened();
+    if (prepareDialog)
+        prepareDialog(picker);
+    picker.adjustSize();
+    const QRect place(mapToGlobal(QPoint(0, 0)), size());
+    picker.move(dialogPosition(place, picker.size(), screen()->geometry()));
+    picker.show();
+    qApp->installEventFilter(this);
+}
+
+void CaptureColorWell::closePicker() {
+    if (!isActive())
+        return;
+    qApp->removeEventFilter(this);
+    reportChoice();
+    owner.clear();
+    if (dialog) {
+        dialog->hide();
+        if (restoreDialog)
+            restoreDialog(*dialog);
+    }
+    update();
+    if (onPickerClosed)
+        onPickerClosed();
+}
+
+void CaptureColorWell::dialogChanged(const QColor& color) {
+    shown = color;
+    shown.setAlpha(255);
+    unreported = shown;
+    update();
+    // While the pointer drags through the colours only the well follows.
+    if (!(QGuiApplication::mouseButtons() & Qt::LeftButton))
+        reportChoice();
+}
+
+void CaptureColorWell::reportChoice() {
+    const std::optional<QColor> choice = std::exchange(unreported, std::nullopt);
+    if (choice && onColor)
+        onColor(*choice);
+}
+
+bool CaptureColorWell::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::MouseButtonRelease && unreported) {
+        const auto* widget = qobject_cast<QWidget*>(watched);
+        if (widget && widget->window() == dialog)
+            // The control under the pointer has its last word first.
+            QMetaObject::invokeMethod(this, &CaptureColorWell::reportChoice, Qt::QueuedConnection);
+    }
+    return QPushButton::eventFilter(watched, event);
+}
+
+bool CaptureColorWell::event(QEvent* event) {
+    switch (event->type()) {
+    case QEvent::MouseButtonPress:
+        if (isEnabled() && static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton) {
+            bubble->dismiss();
+            activate();
+        }
+        [[fallthrough]];
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::MouseMove:
+        event->accept();
+        return true;
+    case QEvent::Hide:
+        closePicker();
+        return QPushButton::event(event);
+    default:
+        return QPushButton::event(event);
+    }
+}
+
+void CaptureColorWell::keyPressEvent(QKeyEvent* event) {
+    if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && event->modifiers() == 0)
+        click();
+    else
+        QPushButton::keyPressEvent(event);
+}
+
+void CaptureColorWell::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const double radius = std::min(width() / 7.0, 6.0);
+    const QRectF bounds = QRectF(rect()).adjusted(1, 1, -1, -1);
+    QColor outline = EditorColors::accent();
+    if (!isActive()) {
+        outline = EditorColors::ink();
+        outline.setAlphaF(0.4F);
+    }
+    painter.setPen(QPen(outline, 1));
+    painter.setBrush(isEnabled() ? shown : EditorColors::background());
+    painter.drawRoundedRect(bounds, radius, radius);
+    if (isHovered() && isEnabled()) {
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(QColor(0, 0, 0, 26));
+        painter.drawRoundedRect(bounds, radius, radius);
+    }
+    if (hasFocus())
+        EditorButton::paintFocusRing(painter, rect(), radius);
+}

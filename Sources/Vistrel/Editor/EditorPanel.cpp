@@ -1,0 +1,49 @@
+#include "Editor/EditorPanel.h"
+
+#include "Editor/DevicePixels.h"
+#include "Editor/EditorColors.h"
+
+namespace {
+
+QPainterPath united(const std::vector<QRectF>& rects, double radius) {
+    QPainterPath path;
+    path.setFillRule(Qt::WindingFill);
+    for (const QRectF& rect : rects)
+        path.addRoundedRect(rect, radius, radius);
+    return path;
+}
+
+} // namespace
+
+EditorPanel::EditorPanel(QWidget* parent) : QWidget(parent) {
+    setCursor(Qt::ArrowCursor);
+    setPalette(EditorColors::palette());
+}
+
+void EditorPanel::setShape(std::vector<QRectF> rects, double cornerRadius) {
+    if (pieces == rects && radius == cornerRadius)
+        return;
+    pieces = std::move(rects);
+    radius = cornerRadius;
+    update();
+}
+
+QRegion EditorPanel::region() const {
+    QRegion result;
+    for (const QRectF& piece : pieces)
+        result += piece.toAlignedRect();
+    return result & rect();
+}
+
+bool EditorPanel::isInside(QPointF position) const {
+    return united(pieces, radius).contains(position);
+}
+
+void EditorPanel::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    std::vector<QRectF> sharp;
+    for (const QRectF& piece : pieces)
+        sharp.push_back(DevicePixels::aligned(painter, piece));
+    painter.fillPath(united(sharp, radius), EditorColors::background());
+}

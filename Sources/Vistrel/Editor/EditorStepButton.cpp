@@ -1,0 +1,38 @@
+#include "Editor/EditorStepButton.h"
+
+#include "Editor/EditorColors.h"
+
+#include <QPainter>
+#include <QPainterPath>
+
+EditorStepButton::EditorStepButton(bool increases, QWidget* parent)
+    : EditorButton(parent), increasing(increases) {
+    setFiresOnPress(true);
+    // The minus sign, not the hyphen.
+    setText(increases ? QStringLiteral("+") : QStringLiteral("−"));
+    setAccessibleName(increases ? QStringLiteral("Increase size") : QStringLiteral("Decrease size"));
+    setObjectName(increases ? QStringLiteral("increaseSize") : QStringLiteral("decreaseSize"));
+}
+
+double EditorStepButton::glyphLength(QSizeF size) {
+    return std::min({14.0, size.height() - 4, size.width() - 4});
+}
+
+void EditorStepButton::paintContent(QPainter& painter) {
+    const double length = glyphLength(size());
+    if (length <= 0)
+        return;
+    QColor color = EditorColors::ink();
+    color.setAlphaF(isEnabled() ? 1.0F : 0.4F);
+    painter.setPen(QPen(color, 2, Qt::SolidLine, Qt::RoundCap));
+    const QPointF center = QRectF(rect()).center();
+    // One path, so that the bars do not darken each other where they cross.
+    QPainterPath glyph;
+    glyph.moveTo(center - QPointF(length / 2, 0));
+    glyph.lineTo(center + QPointF(length / 2, 0));
+    if (increasing) {
+        glyph.moveTo(center - QPointF(0, length / 2));
+        glyph.lineTo(center + QPointF(0, length / 2));
+    }
+    painter.drawPath(glyph);
+}
