@@ -126,9 +126,9 @@ std::optional<Details> detailsFrom(const QJsonValue& value) {
 }
 
 std::optional<QDateTime> dateFrom(const QString& text) {
-    QDateTime date = QDateTime::fromString(text, dateFormat);
-    // Read as the wall clock of nowhere: the text is in UTC.
-    date = QDateTime(date.date(), date.time(), QTimeZone::utc());
+    // In parts: read as a whole it would pass through local time, which has gaps.
+    const QDateTime date(QDate::fromString(text.left(10), Qt::ISODate),
+                         QTime::fromString(text.mid(11, 8), Qt::ISODate), QTimeZone::utc());
     if (!date.isValid() || JournalLine::dateText(date) != text)
         return std::nullopt;
     return date;

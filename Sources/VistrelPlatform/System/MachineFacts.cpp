@@ -46,12 +46,12 @@ std::optional<QString> MachineFacts::productNameIn(const QString& file) {
 
 bool MachineFacts::isTranslated(const QString& built, const QString& kernel) {
     // A 64-bit kernel runs the 32-bit programs of its own family without translation.
-    const auto family = [](const QString& architecture) {
-        if (architecture == QLatin1StringView("i386"))
+    const auto family = [](const QString& processor) {
+        if (processor == QLatin1StringView("i386"))
             return QStringLiteral("x86_64");
-        if (architecture == QLatin1StringView("arm"))
+        if (processor == QLatin1StringView("arm"))
             return QStringLiteral("arm64");
-        return architecture;
+        return processor;
     };
     return family(built) != family(kernel);
 }

@@ -1,4 +1,5 @@
 #include "Support/ReadOnlyFolder.h"
+#include "Support/ScopedEnvironment.h"
 #include "Vistrel/Diagnostics/JournalFixture.h"
 
 #include <chrono>
@@ -7,6 +8,7 @@
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <thread>
+#include <time.h>
 
 namespace {
 
@@ -91,6 +93,15 @@ TEST_F(JournalStoreTests, onlyLinesOfOursWithinAWeekAreReadAndKept) {
         EXPECT_EQ(lines(current).size(), row.kept ? 1 : 0) << "the file is rewritten with what survives";
         EXPECT_EQ(mode(current), 0600U);
     }
+}
+
+TEST_F(JournalStoreTests, anHourThatTheLocalClockSkipsIsReadAsItStands) {
+    const ScopedEnvironment zone("TZ", "Europe/Berlin");
+    ::tzset();
+    nowMS = 1774747800000; // 2026-03-29 01:30:00 UTC
+    write(current, line("2026-03-29T02:30:00Z") + line("2026-03-29T01:30:00Z"));
+    advance(3600);
+    EXPECT_EQ(actions(*makeJournal()).size(), 2U);
 }
 
 TEST_F(JournalStoreTests, thePreviousFileIsReadFirst) {
