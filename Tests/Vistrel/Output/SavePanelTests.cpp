@@ -1,0 +1,212 @@
+#include "Output/SavePanel.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileDialog>
+#include <QInputDialog>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimeZone>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+const QDateTime moment = QDateTime(QDate(2026, 11, 16), QTime(10, 15), Qt::UTC);
+
+class SavePanelTest : public testing::Test {
+protected:
+    void SetUp() override {
+        panel.prepareDialog = [this](QWidget& shown) {
+            EXPECT_FALSE(shown.isVisible());
+            prepared.append(shown.objectName());
+        };
+        overlay.resize(800, 600);
+        overlay.show();
+    }
+
+    void open(ScreenshotSaveFormat format = ScreenshotSaveFormat::png) {
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        panel.open(overlay, format, moment, [this](std::optional<QString> path) { answers.append(path); });
+        dialog()->setDirectory(folder.path());
+    }
+    QFileDialog* dialog() { return overlay.findChild<QFileDialog*>(QStringLiteral("savePanel")); }
+    QLineEdit* nameField() { return dialog()->findChild<QLineEdit*>(QStringLiteral("fileNameEdit")); }
+    void typeName(const QString& name) {
+        nameField()->setText(name);
+        QTest::keyClick(nameField(), Qt::Key_Return);
+    }
+    /// The question the panel is showing.
+    template<class Question>
+    Question* question(const QString& name) {
+        auto* found = dialog()->findChild<Question*>(name);
+        EXPECT_TRUE(found && found->isVisible()) << qPrintable(name);
+        return found;
+    }
+    void createFile(const QString& name) {
+        QFile file(folder.filePath(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("old");
+    }
+
+    QTemporaryDir folder;
+    QWidget overlay;
+    SavePanel panel;
+    QStringList prepared;
+    QList<std::optional<QString>> answers;
+};
+
+} // namespace
+
+TEST(SuggestedFileName, IsTheMomentInUTCWithoutColons) {
+    EXPECT_EQ(suggestedFileName(ScreenshotSaveFormat::png, moment),
+              QStringLiteral("Vistrel-2026-11-16T10-15-00Z.png"));
+    const QDateTime elsewhere(QDate(2026, 3, 1), QTime(1, 2, 3, 999), QTimeZone(3600));
+    EXPECT_EQ(suggestedFileName(ScreenshotSaveFormat::jpg, elsewhere),
+              QStringLiteral("Vistrel-2026-03-01T00-02-03Z.jpg"));
+}
+
+TEST_F(SavePanelTest, ProposesTheNameAndOnlyTheFormatsFiles) {
+    open(ScreenshotSaveFormat::jpg);
+    EXPECT_EQ(prepared, QStringList{QStringLiteral("savePanel")});
+    EXPECT_TRUE(dialog()->isVisible());
+    EXPECT_EQ(dialog()->windowModality(), Qt::WindowModal);
+    EXPECT_EQ(nameField()->text(), QStringLiteral("Vistrel-2026-11-16T10-15-00Z.jpg"));
+    EXPECT_EQ(dialog()->nameFilters().size(), 1);
+    EXPECT_TRUE(dialog()->nameFilters().first().contains(QStringLiteral("*.jpg *.jpeg")));
+    EXPECT_TRUE(answers.isEmpty());
+}
+
+struct NameCase {
+    const char* name;
+    ScreenshotSaveFormat format;
+    QString typed;
+    QString saved;
+};
+
+TEST_F(SavePanelTest, ConfirmedNamesEndInTheFormatsSuffix) {
+    const NameCase rows[] = {
+        {"bare", ScreenshotSaveFormat::png, QStringLiteral("shot"), QStringLiteral("shot.png")},
+        {"complete", ScreenshotSaveFormat::png, QStringLiteral("shot.png"), QStringLiteral("shot.png")},
+        {"capitals", ScreenshotSaveFormat::png, QStringLiteral("shot.PNG"), QStringLiteral("shot.PNG")},
+        {"dotted", ScreenshotSaveFormat::png, QStringLiteral("v1.2"), QStringLiteral("v1.2.png")},
+        {"otherFormat", ScreenshotSaveFormat::png, QStringLiteral("shot.jpg"),
+         QStringLiteral("shot.jpg.png")},
+        {"longSuffix", ScreenshotSaveFormat::jpg, QStringLiteral("shot.jpeg"), QStringLiteral("shot.jpeg")},
+    };
+    for (const NameCase& row : rows) {
+        open(row.format);
+        typeName(row.typed);
+        ASSERT_EQ(answers.size(), 1) << row.name;
+        EXPECT_EQ(answers.takeFirst(), folder.filePath(row.saved)) << row.name;
+        EXPECT_FALSE(panel.isOpen()) << row.name;
+    }
+}
+
+TEST_F(SavePanelTest, EscapeAnswersOnceWithNothing) {
+    open();
+    QTest::keyClick(nameField(), Qt::Key_Escape);
+    ASSERT_EQ(answers.size(), 1);
+    EXPECT_FALSE(answers.first());
+}
+
+TEST_F(SavePanelTest, ReplacingIsAskedAndCancelKeepsThePanelOpen) {
+    createFile(QStringLiteral("there.png"));
+    open();
+    typeName(QStringLiteral("there"));
+    EXPECT_TRUE(answers.isEmpty());
+    auto* box = question<QMessageBox>(QStringLiteral("replaceFile"));
+    EXPECT_EQ(prepared.last(), QStringLiteral("replaceFile"));
+    // The harmless answer is the one that Return gives.
+    EXPECT_TRUE(box->defaultButton() == box->button(QMessageBox::Cancel));
+    box->button(QMessageBox::Cancel)->click();
+    EXPECT_TRUE(answers.isEmpty());
+    EXPECT_TRUE(dialog()->isVisible());
+
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    typeName(QStringLiteral("there"));
+    question<QMessageBox>(QStringLiteral("replaceFile"))
+        ->findChild<QAbstractButton*>(QStringLiteral("replace"))
+        ->click();
+    ASSERT_EQ(answers.size(), 1);
+    EXPECT_EQ(answers.first(), folder.filePath(QStringLiteral("there.png")));
+}
+
+TEST_F(SavePanelTest, AFolderIsEnteredAndTheNextPanelStartsWhereTheLastSaved) {
+    ASSERT_TRUE(QDir(folder.path()).mkdir(QStringLiteral("inner")));
+    open();
+    typeName(QStringLiteral("inner"));
+    EXPECT_TRUE(answers.isEmpty());
+    typeName(QStringLiteral("a"));
+    ASSERT_EQ(answers.size(), 1);
+    EXPECT_EQ(answers.first(), folder.filePath(QStringLiteral("inner/a.png")));
+
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    panel.open(overlay, ScreenshotSaveFormat::png, moment, [](auto) {});
+    EXPECT_EQ(dialog()->directory().path(), folder.filePath(QStringLiteral("inner")));
+}
+
+TEST_F(SavePanelTest, NewFoldersAreMadeAndFailuresExplained) {
+    createFile(QStringLiteral("taken"));
+    open();
+    auto* button = dialog()->findChild<QAbstractButton*>(QStringLiteral("createFolder"));
+    ASSERT_TRUE(button && button->isEnabled());
+    const auto answer = [this, button](const QString& name) {
+        button->click();
+        auto* input = question<QInputDialog>(QStringLiteral("newFolder"));
+        input->setTextValue(name);
+        input->accept();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    };
+    answer(QStringLiteral("taken"));
+    auto* failed = question<QMessageBox>(QStringLiteral("newFolderFailed"));
+    EXPECT_FALSE(failed->informativeText().isEmpty());
+    failed->accept();
+    answer(QStringLiteral("fresh"));
+    EXPECT_TRUE(QDir(folder.filePath(QStringLiteral("fresh"))).exists());
+    EXPECT_EQ(prepared, (QStringList{QStringLiteral("savePanel"), QStringLiteral("newFolder"),
+                                     QStringLiteral("newFolderFailed"), QStringLiteral("newFolder")}));
+    QTest::keyClick(nameField(), Qt::Key_Return);
+    ASSERT_EQ(answers.size(), 1);
+    EXPECT_EQ(answers.first(), folder.filePath(QStringLiteral("fresh/Vistrel-2026-11-16T10-15-00Z.png")));
+}
+
+TEST_F(SavePanelTest, CancelledFromOutsideItSaysNothing) {
+    open();
+    panel.cancel();
+    EXPECT_FALSE(panel.isOpen());
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_EQ(dialog(), nullptr);
+    EXPECT_TRUE(answers.isEmpty());
+}
+
+TEST_F(SavePanelTest, TheCompletionMayTakeEverythingAway) {
+    auto owned = std::make_unique<SavePanel>();
+    bool called = false;
+    owned->open(overlay, ScreenshotSaveFormat::png, moment, [&](auto) {
+        owned.reset();
+        called = true;
+    });
+    dialog()->reject();
+    EXPECT_TRUE(called);
+}
+
+TEST_F(SavePanelTest, LeavesNoTraceInTheToolkitsSettings) {
+    const QString file =
+        QSettings(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("QtProject")).fileName();
+    QFile::remove(file);
+    open();
+    typeName(QStringLiteral("secret-project"));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_FALSE(QFile::exists(file));
+    // Its own settings go where they went before.
+    EXPECT_EQ(
+        QSettings(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("QtProject")).fileName(),
+        file);
+}
