@@ -5,8 +5,9 @@
 
 /// Tests never touch the user's own files: every test that writes gets a temporary folder of its own.
 int main(int argc, char** argv) {
-    ::testing::InitGoogleTest(&argc, argv);
     QApplication application(argc, argv);
+    // After the application: tables of rows may hold icons and pictures.
+    ::testing::InitGoogleTest(&argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     QStandardPaths::setTestModeEnabled(true);
     return RUN_ALL_TESTS();
