@@ -9,7 +9,9 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
+#include <utility>
 
 extern char** environ;
 
@@ -154,10 +156,26 @@ void DesktopSession::startBus() {
 
 void DesktopSession::startWindowManager() {
     manager = start(QStringLiteral("openbox"), {QStringLiteral("--sm-disable")});
-    const bool ready = waitUntil(
-        [this] { return !observer->windowProperty(observer->root(), "_NET_SUPPORTING_WM_CHECK").empty(); });
+    // It announces itself before it handles events, and may then sleep on one that it has read already:
+    // so a window is put up, and the manager nudged, until it has taken care of that window.
+    const xcb_window_t probe = observer->createWindow({.rect = {0, 0, 10, 10}, .overrideRedirect = false});
+    const auto managed = [&] {
+        const auto clients = observer->windowProperty(observer->root(), "_NET_CLIENT_LIST");
+        return std::ranges::find(clients, probe) != clients.end();
+    };
+    bool mapped = false;
+    const bool ready = waitUntil([&] {
+        if (observer->windowProperty(observer->root(), "_NET_SUPPORTING_WM_CHECK").empty())
+            return false;
+        if (!std::exchange(mapped, true))
+            observer->map(probe);
+        observer->touchRoot();
+        return managed();
+    });
     if (!ready)
         qFatal("the window manager did not start: %s", manager->standardError().constData());
+    observer->destroy(probe);
+    waitUntil([&] { return !managed(); });
 }
 
 std::unique_ptr<ChildProgram> DesktopSession::start(const QString& program, const QStringList& arguments) {

@@ -15,9 +15,9 @@ public:
     struct Options {
         QSize screenSize{1920, 1080};
         /// Empty: the server's own single monitor, named "screen".
-        std::vector<MonitorSetup> monitors;
+        std::vector<MonitorSetup> monitors = {};
         /// "L=2;R=1", for the programs started here.
-        QString scaleFactors;
+        QString scaleFactors = {};
         bool windowManager = false;
         bool sessionBus = false;
     };
@@ -39,6 +39,10 @@ public:
 
     std::unique_ptr<ChildProgram> start(const QString& program, const QStringList& arguments = {});
 
+    /// Returns when it manages windows.
+    void startWindowManager();
+    void endWindowManager() { manager.reset(); }
+
     /// What the clipboard holds in that form; absent when nobody offers it.
     std::optional<QByteArray> clipboard(const QString& type);
 
@@ -52,7 +56,6 @@ public:
 private:
     void startServer(const Options& options);
     void startBus();
-    void startWindowManager();
     QString outputStem(const QString& program);
 
     QTemporaryDir directory;

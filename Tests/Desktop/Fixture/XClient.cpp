@@ -3,9 +3,12 @@
 #include <xcb/randr.h>
 #include <xcb/shape.h>
 
+#include <xcb/xcbext.h>
+
+#include <sys/uio.h>
+
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 #include <memory>
 
 namespace {
@@ -22,6 +25,26 @@ std::unique_ptr<T, Free> own(T* reply) {
 xcb_rectangle_t rectangle(QRect rect) {
     return {static_cast<std::int16_t>(rect.x()), static_cast<std::int16_t>(rect.y()),
             static_cast<std::uint16_t>(rect.width()), static_cast<std::uint16_t>(rect.height())};
+}
+
+/// xcb's own function for this request trips over an assertion of its library.
+struct SetMonitorRequest {
+    std::uint8_t majorOpcode;
+    std::uint8_t minorOpcode;
+    std::uint16_t length;
+    xcb_window_t window;
+    xcb_randr_monitor_info_t info;
+    xcb_randr_output_t output;
+};
+
+void send(xcb_connection_t* connection, SetMonitorRequest& request) {
+    static const xcb_protocol_request_t protocol{1, &xcb_randr_id, XCB_RANDR_SET_MONITOR, 1};
+    const std::size_t size =
+        sizeof request - (request.info.nOutput == 0 ? sizeof request.output : std::size_t{0});
+    // xcb writes the header, and uses the two entries before the first itself.
+    iovec parts[3] = {};
+    parts[2] = {&request, size};
+    xcb_send_request(connection, 0, parts + 2, &protocol);
 }
 
 } // namespace
@@ -107,42 +130,64 @@ void XClient::setMonitors(const std::vector<MonitorSetup>& monitors) {
         own(xcb_randr_get_monitors_reply(xcb, xcb_randr_get_monitors(xcb, screen->root, 1), nullptr));
     if (!resources || !current)
         qFatal("the X server has no RandR 1.5");
+    // A monitor cannot be replaced under its name: what changes goes first, what is not wanted last.
+    const auto entries = [&] {
+        std::vector<xcb_randr_monitor_info_t> infos;
+        for (auto it = xcb_randr_get_monitors_monitors_iterator(current.get()); it.rem;
+             xcb_randr_monitor_info_next(&it))
+            infos.push_back(*it.data);
+        return infos;
+    }();
+    const auto wanted = [&](xcb_atom_t name) {
+        return std::ranges::any_of(monitors,
+                                   [&](const MonitorSetup& m) { return atom(m.name.toLatin1()) == name; });
+    };
+    for (const auto& entry : entries)
+        if (wanted(entry.name))
+            xcb_randr_delete_monitor(xcb, screen->root, entry.name);
     bool first = true;
     for (const MonitorSetup& monitor : monitors) {
-        // One reply buffer: the fixed part, then the outputs.
-        std::vector<std::uint8_t> buffer(sizeof(xcb_randr_monitor_info_t) + sizeof(xcb_randr_output_t));
-        xcb_randr_monitor_info_t info{};
+        SetMonitorRequest request{};
         const auto [x, y, width, height] = rectangle(monitor.rect);
-        info.name = atom(monitor.name.toLatin1());
-        info.primary = first;
-        info.x = x;
-        info.y = y;
-        info.width = width;
-        info.height = height;
+        request.window = screen->root;
+        request.info.name = atom(monitor.name.toLatin1());
+        request.info.primary = first;
+        request.info.x = x;
+        request.info.y = y;
+        request.info.width = width;
+        request.info.height = height;
         // 96 dots per inch.
-        info.width_in_millimeters = width * 254U / 960U;
-        info.height_in_millimeters = height * 254U / 960U;
-        info.nOutput = first && resources->num_outputs > 0 ? 1 : 0;
-        std::memcpy(buffer.data(), &info, sizeof info);
-        if (info.nOutput)
-            std::memcpy(buffer.data() + sizeof info,
-                        xcb_randr_get_screen_resources_current_outputs(resources.get()),
-                        sizeof(xcb_randr_output_t));
-        xcb_randr_set_monitor(xcb, screen->root, reinterpret_cast<xcb_randr_monitor_info_t*>(buffer.data()));
+        request.info.width_in_millimeters = width * 254U / 960U;
+        request.info.height_in_millimeters = height * 254U / 960U;
+        if (first && resources->num_outputs > 0) {
+            request.info.nOutput = 1;
+            request.output = *xcb_randr_get_screen_resources_current_outputs(resources.get());
+        }
+        send(xcb, request);
         first = false;
     }
-    for (auto it = xcb_randr_get_monitors_monitors_iterator(current.get()); it.rem;
-         xcb_randr_monitor_info_next(&it)) {
-        const bool kept = std::ranges::any_of(
-            monitors, [&](const MonitorSetup& m) { return atom(m.name.toLatin1()) == it.data->name; });
-        if (!kept)
-            xcb_randr_delete_monitor(xcb, screen->root, it.data->name);
-    }
+    for (const auto& entry : entries)
+        if (!wanted(entry.name))
+            xcb_randr_delete_monitor(xcb, screen->root, entry.name);
     synchronize();
 }
 
 void XClient::removeMonitor(const QString& name) {
     xcb_randr_delete_monitor(xcb, screen->root, atom(name.toLatin1()));
+    synchronize();
+}
+
+void XClient::setRootSize(QSize size) {
+    const auto width = static_cast<std::uint16_t>(size.width());
+    const auto height = static_cast<std::uint16_t>(size.height());
+    const auto resources = own(xcb_randr_get_screen_resources_current_reply(
+        xcb, xcb_randr_get_screen_resources_current(xcb, screen->root), nullptr));
+    // The picture tube would not fit any more.
+    if (resources && resources->num_crtcs > 0)
+        xcb_randr_set_crtc_config(xcb, *xcb_randr_get_screen_resources_current_crtcs(resources.get()),
+                                  XCB_CURRENT_TIME, resources->config_timestamp, 0, 0, XCB_NONE,
+                                  XCB_RANDR_ROTATION_ROTATE_0, 0, nullptr);
+    xcb_randr_set_screen_size(xcb, screen->root, width, height, width * 254U / 960U, height * 254U / 960U);
     synchronize();
 }
 
@@ -202,6 +247,13 @@ std::vector<MappedWindow> XClient::mappedWindows() {
 xcb_window_t XClient::focusedWindow() {
     const auto reply = own(xcb_get_input_focus_reply(xcb, xcb_get_input_focus(xcb), nullptr));
     return reply ? reply->focus : XCB_NONE;
+}
+
+void XClient::touchRoot() {
+    xcb_delete_property(xcb, screen->root, atom("_VISTREL_TEST_TOUCH"));
+    xcb_change_property(xcb, XCB_PROP_MODE_REPLACE, screen->root, atom("_VISTREL_TEST_TOUCH"),
+                        XCB_ATOM_INTEGER, 32, 0, nullptr);
+    synchronize();
 }
 
 std::vector<std::uint32_t> XClient::windowProperty(xcb_window_t window, const QByteArray& name) {

@@ -52,6 +52,8 @@ public:
     /// The first monitor takes over the server's output; others stand without one.
     void setMonitors(const std::vector<MonitorSetup>& monitors);
     void removeMonitor(const QString& name);
+    /// Cuts or extends the root, up to the size the server was started with; monitors stay as they are.
+    void setRootSize(QSize size);
 
     struct WindowOptions {
         QRect rect;
@@ -69,6 +71,8 @@ public:
     /// Viewable children of the root, lowest first.
     std::vector<MappedWindow> mappedWindows();
     xcb_window_t focusedWindow();
+    /// Wakes whoever watches the root's properties.
+    void touchRoot();
     std::vector<std::uint32_t> windowProperty(xcb_window_t window, const QByteArray& name);
 
     /// 0, or the X error's number.

@@ -1,6 +1,9 @@
 #include "VistrelPlatform/X11/X11TestSession.h"
 
+#include "Desktop/Fixture/Waiting.h"
+
 #include <QApplication>
+#include <QScreen>
 #include <QStandardPaths>
 
 #include <gtest/gtest.h>
@@ -11,6 +14,21 @@ DesktopSession* currentSession = nullptr;
 
 DesktopSession& testSession() {
     return *currentSession;
+}
+
+void useMonitors(const std::vector<MonitorSetup>& monitors) {
+    // The toolkit does not notice a monitor that only changes its rectangle without a change of mode, so
+    // every layout starts from one with other names.
+    const std::vector<MonitorSetup> blank{{QStringLiteral("blank"), QRect({0, 0}, testScreenSize)}};
+    for (const std::vector<MonitorSetup>& layout : {blank, monitors}) {
+        currentSession->client().setMonitors(layout);
+        const bool noticed = waitUntil([&] {
+            const QList<QScreen*> screens = QGuiApplication::screens();
+            return std::ranges::equal(screens, layout, {}, &QScreen::name, &MonitorSetup::name);
+        });
+        if (!noticed)
+            qFatal("the toolkit did not notice the monitors");
+    }
 }
 
 int main(int argc, char** argv) {

@@ -1,0 +1,45 @@
+#include "VistrelPlatform/X11/OverlayStacking.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr std::size_t mostRaises = 20;
+constexpr std::chrono::seconds raisePeriod{2};
+
+TopLevelWindows::Client clientOf(xcb_connection_t* connection) {
+    const xcb_setup_t* setup = xcb_get_setup(connection);
+    return {setup->resource_id_base, setup->resource_id_mask};
+}
+
+} // namespace
+
+OverlayStacking::OverlayStacking(xcb_connection_t* toolkitOfOverlay)
+    : toolkit(toolkitOfOverlay),
+      connection(std::make_shared<X11Connection>(QByteArray())),
+      windows(connection, clientOf(toolkit)) {}
+
+void OverlayStacking::restore(xcb_window_t overlay, QRect rect) {
+    connection->discardEvents();
+    const std::vector<TopLevelWindow> all = windows.visible(rect);
+    const auto self = std::ranges::find(all, overlay, &TopLevelWindow::id);
+    const auto covering = [&](const TopLevelWindow& window) {
+        return !window.own && !window.rect.contains(rect);
+    };
+    if (std::none_of(self, all.end(), covering) || !mayRaise())
+        return;
+    const std::uint32_t above = XCB_STACK_MODE_ABOVE;
+    for (auto window = self; window != all.end(); ++window)
+        if (window->own)
+            xcb_configure_window(toolkit, window->id, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+    xcb_flush(toolkit);
+}
+
+bool OverlayStacking::mayRaise() {
+    const auto now = std::chrono::steady_clock::now();
+    std::erase_if(raises, [&](auto time) { return now - time > raisePeriod; });
+    if (raises.size() >= mostRaises)
+        return false;
+    raises.push_back(now);
+    return true;
+}

@@ -1,0 +1,82 @@
+#include "VistrelPlatform/X11/ServerPixmap.h"
+
+#include <xcb/render.h>
+
+namespace {
+
+/// sRGB 0.3 grey at 0.4, as the eight-bit levels that a painter uses: 77 times 102 / 255 rounds to 31.
+constexpr std::uint16_t level(unsigned eightBits) {
+    return static_cast<std::uint16_t>(eightBits * 0x101U);
+}
+constexpr xcb_render_color_t haze{level(31), level(31), level(31), level(102)};
+
+std::uint16_t pixelCount(int count) {
+    return static_cast<std::uint16_t>(count);
+}
+
+} // namespace
+
+ServerPixmap::ServerPixmap(std::shared_ptr<X11Connection> server, PixelSize size)
+    : connection(std::move(server)),
+      pixelSize(size),
+      pixmap(xcb_generate_id(connection->get())),
+      context(xcb_generate_id(connection->get())) {
+    xcb_connection_t* xcb = connection->get();
+    xcb_create_pixmap(xcb, connection->depth(), pixmap, connection->root(), pixelCount(size.width),
+                      pixelCount(size.height));
+    // Copies from the root include the windows on it and tell nothing about hidden parts.
+    const std::uint32_t values[] = {XCB_SUBWINDOW_MODE_INCLUDE_INFERIORS, 0};
+    xcb_create_gc(xcb, context, pixmap, XCB_GC_SUBWINDOW_MODE | XCB_GC_GRAPHICS_EXPOSURES, values);
+    const xcb_render_pictformat_t format = connection->pictureFormat(connection->visual());
+    if (format != XCB_NONE) {
+        renderPicture = xcb_generate_id(xcb);
+        xcb_render_create_picture(xcb, renderPicture, pixmap, format, 0, nullptr);
+    }
+}
+
+ServerPixmap::~ServerPixmap() {
+    xcb_connection_t* xcb = connection->get();
+    if (renderPicture != XCB_NONE)
+        xcb_render_free_picture(xcb, renderPicture);
+    xcb_free_gc(xcb, context);
+    xcb_free_pixmap(xcb, pixmap);
+    xcb_flush(xcb);
+}
+
+void ServerPixmap::copyFromRoot(QPoint origin) {
+    xcb_copy_area(connection->get(), connection->root(), pixmap, context,
+                  static_cast<std::int16_t>(origin.x()), static_cast<std::int16_t>(origin.y()), 0, 0,
+                  pixelCount(pixelSize.width), pixelCount(pixelSize.height));
+}
+
+void ServerPixmap::copyFrom(const SharedSegment& segment) {
+    const std::uint16_t width = pixelCount(pixelSize.width);
+    const std::uint16_t height = pixelCount(pixelSize.height);
+    xcb_shm_put_image(connection->get(), pixmap, context, width, height, 0, 0, width, height, 0, 0,
+                      connection->depth(), XCB_IMAGE_FORMAT_Z_PIXMAP, 0, segment.id(), 0);
+}
+
+void ServerPixmap::dim() {
+    const xcb_rectangle_t all{0, 0, pixelCount(pixelSize.width), pixelCount(pixelSize.height)};
+    xcb_render_fill_rectangles(connection->get(), XCB_RENDER_PICT_OP_OVER, renderPicture, haze, 1, &all);
+}
+
+X11FrozenPicture::X11FrozenPicture(std::shared_ptr<X11Connection> server,
+                                   std::shared_ptr<ServerPixmap> content)
+    : connection(std::move(server)),
+      pixmap(std::move(content)),
+      marker(xcb_get_input_focus(connection->get())) {
+    xcb_flush(connection->get());
+}
+
+X11FrozenPicture::~X11FrozenPicture() {
+    if (!complete)
+        xcb_discard_reply(connection->get(), marker.sequence);
+}
+
+xcb_pixmap_t X11FrozenPicture::awaitPixmap() {
+    if (!complete)
+        xcbReply<xcb_get_input_focus_reply>(connection->get(), marker);
+    complete = true;
+    return pixmap->id();
+}

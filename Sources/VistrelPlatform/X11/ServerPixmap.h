@@ -1,0 +1,56 @@
+#pragma once
+
+#include "VistrelPlatform/ScreenCapturer.h"
+#include "VistrelPlatform/X11/SharedSegment.h"
+#include "VistrelPlatform/X11/X11Connection.h"
+
+#include <QRect>
+
+#include <memory>
+
+/// A picture in the X server of the root's own depth. Requests only queue; nothing waits. Any one thread at
+/// a time.
+class ServerPixmap {
+public:
+    ServerPixmap(std::shared_ptr<X11Connection> connection, PixelSize size);
+    ~ServerPixmap();
+    ServerPixmap(const ServerPixmap&) = delete;
+    ServerPixmap& operator=(const ServerPixmap&) = delete;
+
+    xcb_pixmap_t id() const { return pixmap; }
+    xcb_render_picture_t picture() const { return renderPicture; }
+    PixelSize size() const { return pixelSize; }
+
+    /// What the root shows with its top-left corner at `origin`.
+    void copyFromRoot(QPoint origin);
+    void copyFrom(const SharedSegment& segment);
+    /// The haze that lies over everything before a selection is made.
+    void dim();
+    /// Kept as it is between two uses.
+    void rest() {}
+
+private:
+    std::shared_ptr<X11Connection> connection;
+    PixelSize pixelSize;
+    xcb_pixmap_t pixmap;
+    xcb_gcontext_t context;
+    xcb_render_picture_t renderPicture = XCB_NONE;
+};
+
+/// A dimmed picture on its way into the server.
+class X11FrozenPicture : public FrozenPicture {
+public:
+    /// `connection` has every request that completes the pixmap queued.
+    X11FrozenPicture(std::shared_ptr<X11Connection> connection, std::shared_ptr<ServerPixmap> pixmap);
+    ~X11FrozenPicture() override;
+
+    PixelSize size() const { return pixmap->size(); }
+    /// Waits until the server has completed the pixmap, so that another connection may use it.
+    xcb_pixmap_t awaitPixmap();
+
+private:
+    std::shared_ptr<X11Connection> connection;
+    std::shared_ptr<ServerPixmap> pixmap;
+    xcb_get_input_focus_cookie_t marker;
+    bool complete = false;
+};

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "VistrelPlatform/X11/X11Connection.h"
+
+#include <QRect>
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+/// A window on the root with pixels of its own. `rect` includes the border.
+struct TopLevelWindow {
+    xcb_window_t id = XCB_NONE;
+    QRect rect;
+    int border = 0;
+    xcb_visualid_t visual = XCB_NONE;
+    bool own = false;
+};
+
+/// Reads which windows lie on the root, and which of them are this program's. Any thread.
+class TopLevelWindows {
+public:
+    /// Every window that one client creates carries the client's number.
+    struct Client {
+        std::uint32_t base = 0;
+        std::uint32_t mask = 0;
+        bool owns(xcb_window_t window) const { return (window & ~mask) == base; }
+    };
+
+    /// Without `own` no window is this program's.
+    TopLevelWindows(std::shared_ptr<X11Connection> connection, std::optional<Client> own);
+
+    struct Request {
+        xcb_query_tree_cookie_t tree;
+        xcb_get_property_cookie_t clients;
+    };
+    /// Queued, so that the question costs no waiting of its own.
+    Request request() const;
+    /// Whether one of our windows is on the screen within `area`.
+    bool anyOwn(const Request& request, QRect area) const;
+
+    /// Everything on the screen within `area`, lowest first, without minimised windows that a compositor
+    /// keeps mapped and without the compositor's own output window.
+    std::vector<TopLevelWindow> visible(QRect area) const;
+
+private:
+    struct Tree {
+        std::vector<xcb_window_t> children;
+        std::vector<xcb_window_t> clients;
+    };
+    Tree receive(const Request& request) const;
+    std::vector<TopLevelWindow> onScreen(const std::vector<xcb_window_t>& windows, QRect area) const;
+    /// The child of the root that each window lies in; XCB_NONE for one that has gone.
+    std::vector<xcb_window_t> frames(const std::vector<xcb_window_t>& windows) const;
+    std::vector<xcb_window_t> minimised(const std::vector<xcb_window_t>& clients) const;
+    xcb_window_t compositorOutput() const;
+
+    std::shared_ptr<X11Connection> connection;
+    std::optional<Client> own;
+    xcb_atom_t clientListAtom;
+    xcb_atom_t stateAtom;
+    xcb_atom_t hiddenAtom;
+    xcb_atom_t compositorAtom;
+};

@@ -1,0 +1,122 @@
+#include "VistrelPlatform/X11/WindowComposer.h"
+
+#include <xcb/composite.h>
+#include <xcb/shape.h>
+
+#include <algorithm>
+
+namespace {
+
+std::int16_t coordinate(int value) {
+    return static_cast<std::int16_t>(value);
+}
+
+std::uint16_t length(int value) {
+    return static_cast<std::uint16_t>(value);
+}
+
+} // namespace
+
+WindowComposer::WindowComposer(std::shared_ptr<X11Connection> server)
+    : connection(std::move(server)), rootPictureAtom(internAtom(connection->get(), "_XROOTPMAP_ID")) {}
+
+void WindowComposer::compose(ServerPixmap& target, QRect area,
+                             const std::vector<TopLevelWindow>& windows) const {
+    xcb_connection_t* xcb = connection->get();
+    target.copyFromRoot(area.topLeft());
+    const xcb_xfixes_region_t ownRegion = xcb_generate_id(xcb);
+    xcb_xfixes_create_region(xcb, ownRegion, 0, nullptr);
+    QRect covered;
+    for (const TopLevelWindow& window : windows) {
+        if (!window.own)
+            continue;
+        const xcb_xfixes_region_t region = regionOf(window, area);
+        xcb_xfixes_union_region(xcb, ownRegion, region, ownRegion);
+        xcb_xfixes_destroy_region(xcb, region);
+        covered |= window.rect;
+    }
+    covered &= area;
+    xcb_xfixes_set_picture_clip_region(xcb, target.picture(), ownRegion, 0, 0);
+    paintBackground(target, area, covered);
+    for (const TopLevelWindow& window : windows) {
+        if (window.own || !window.rect.intersects(covered))
+            continue;
+        const xcb_xfixes_region_t region = regionOf(window, area);
+        xcb_xfixes_intersect_region(xcb, region, ownRegion, region);
+        xcb_xfixes_set_picture_clip_region(xcb, target.picture(), region, 0, 0);
+        xcb_xfixes_destroy_region(xcb, region);
+        paintWindow(target, area, window);
+    }
+    xcb_xfixes_set_picture_clip_region(xcb, target.picture(), XCB_NONE, 0, 0);
+    xcb_xfixes_destroy_region(xcb, ownRegion);
+}
+
+xcb_xfixes_region_t WindowComposer::regionOf(const TopLevelWindow& window, QRect area) const {
+    xcb_connection_t* xcb = connection->get();
+    const xcb_xfixes_region_t region = xcb_generate_id(xcb);
+    xcb_xfixes_create_region_from_window(xcb, region, window.id, XCB_SHAPE_SK_BOUNDING);
+    // The shape counts from inside the border.
+    const QPoint origin = window.rect.topLeft() + QPoint(window.border, window.border) - area.topLeft();
+    xcb_xfixes_translate_region(xcb, region, coordinate(origin.x()), coordinate(origin.y()));
+    return region;
+}
+
+void WindowComposer::paintPixmap(const ServerPixmap& target, xcb_pixmap_t source,
+                                 xcb_render_pictformat_t format, QPoint sourceOrigin, QRect into) const {
+    xcb_connection_t* xcb = connection->get();
+    const xcb_render_picture_t picture = xcb_generate_id(xcb);
+    const std::uint32_t repeat = XCB_RENDER_REPEAT_NORMAL;
+    xcb_render_create_picture(xcb, picture, source, format, XCB_RENDER_CP_REPEAT, &repeat);
+    xcb_render_composite(xcb, XCB_RENDER_PICT_OP_OVER, picture, XCB_NONE, target.picture(),
+                         coordinate(sourceOrigin.x()), coordinate(sourceOrigin.y()), 0, 0,
+                         coordinate(into.x()), coordinate(into.y()), length(into.width()),
+                         length(into.height()));
+    xcb_render_free_picture(xcb, picture);
+}
+
+void WindowComposer::paintBackground(const ServerPixmap& target, QRect area, QRect covered) const {
+    xcb_connection_t* xcb = connection->get();
+    const QRect into = covered.translated(-area.topLeft());
+    const xcb_rectangle_t rectangle{coordinate(into.x()), coordinate(into.y()), length(into.width()),
+                                    length(into.height())};
+    const xcb_render_color_t black{0, 0, 0, 0xFFFF};
+    xcb_render_fill_rectangles(xcb, XCB_RENDER_PICT_OP_SRC, target.picture(), black, 1, &rectangle);
+    const auto announced = xcbReply<xcb_get_property_reply>(
+        xcb, xcb_get_property(xcb, 0, connection->root(), rootPictureAtom, XCB_ATOM_PIXMAP, 0, 1));
+    if (announced && announced->format == 32 && announced->value_len == 1) {
+        const auto pixmap = *static_cast<const xcb_pixmap_t*>(xcb_get_property_value(announced.get()));
+        paintPixmap(target, pixmap, connection->pictureFormat(connection->visual()), covered.topLeft(), into);
+    } else {
+        paintPlainBackground(target, area, covered);
+    }
+}
+
+void WindowComposer::paintPlainBackground(const ServerPixmap& target, QRect area, QRect covered) const {
+    // The protocol tells nobody what the root's background is, but a window can borrow it. Below all
+    // others it shows what is there anyway.
+    xcb_connection_t* xcb = connection->get();
+    const xcb_window_t window = xcb_generate_id(xcb);
+    const std::uint32_t values[] = {XCB_BACK_PIXMAP_PARENT_RELATIVE, 1};
+    xcb_create_window(xcb, XCB_COPY_FROM_PARENT, window, connection->root(), coordinate(covered.x()),
+                      coordinate(covered.y()), length(covered.width()), length(covered.height()), 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
+                      XCB_CW_BACK_PIXMAP | XCB_CW_OVERRIDE_REDIRECT, values);
+    const std::uint32_t below = XCB_STACK_MODE_BELOW;
+    xcb_configure_window(xcb, window, XCB_CONFIG_WINDOW_STACK_MODE, &below);
+    xcb_map_window(xcb, window);
+    paintWindow(target, area, {.id = window, .rect = covered, .visual = connection->visual()});
+    xcb_destroy_window(xcb, window);
+}
+
+void WindowComposer::paintWindow(const ServerPixmap& target, QRect area, const TopLevelWindow& window) const {
+    xcb_connection_t* xcb = connection->get();
+    const xcb_render_pictformat_t format = connection->pictureFormat(window.visual);
+    if (format == XCB_NONE)
+        return;
+    const xcb_pixmap_t content = xcb_generate_id(xcb);
+    xcb_composite_name_window_pixmap(xcb, window.id, content);
+    const QRect visible = window.rect & area;
+    paintPixmap(target, content, format, visible.topLeft() - window.rect.topLeft(),
+                visible.translated(-area.topLeft()));
+    xcb_free_pixmap(xcb, content);
+}

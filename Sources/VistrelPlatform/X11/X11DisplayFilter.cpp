@@ -1,0 +1,164 @@
+#include "VistrelPlatform/X11/X11DisplayFilter.h"
+
+#include "VistrelPlatform/X11/AreaScaler.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr std::uint32_t allPlanes = ~0U;
+
+std::int16_t coordinate(int value) {
+    return static_cast<std::int16_t>(value);
+}
+
+std::uint16_t length(int value) {
+    return static_cast<std::uint16_t>(value);
+}
+
+PixelSize sizeOf(QRect rect) {
+    return {rect.width(), rect.height()};
+}
+
+/// What the toolkit has already asked for must have happened: a menu that was just closed is unmapped on
+/// its connection, not on ours.
+void awaitToolkit() {
+    if (xcb_connection_t* toolkit = toolkitConnection())
+        xcbReply<xcb_get_input_focus_reply>(toolkit, xcb_get_input_focus(toolkit));
+}
+
+CapturedImage capturedImage(const QImage& native, PixelSize size, std::shared_ptr<FrozenPicture> frozen) {
+    const bool reduced = size != PixelSize{native.width(), native.height()};
+    return {reduced ? AreaScaler::scaled(native, size) : native, native, std::move(frozen)};
+}
+
+/// The reply's own bytes as a picture.
+QImage wrapped(XcbOwned<xcb_get_image_reply_t> reply, PixelSize size) {
+    const auto* data = xcb_get_image_data(reply.get());
+    return QImage(data, size.width, size.height, static_cast<qsizetype>(size.width) * 4, QImage::Format_RGB32,
+                  std::free, reply.release());
+}
+
+} // namespace
+
+X11DisplayFilter::X11DisplayFilter(std::shared_ptr<X11Connection> server, X11Monitor display,
+                                   std::optional<TopLevelWindows::Client> own)
+    : connection(std::move(server)), monitor(display), windows(connection, own), composer(connection) {}
+
+Result<X11DisplayFilter::Segment> X11DisplayFilter::lendSegment() {
+    const auto bytes =
+        static_cast<std::size_t>(monitor.rect.width()) * static_cast<std::size_t>(monitor.rect.height()) * 4;
+    Segment segment = segments.lend([&] { return SharedSegment::create(connection, bytes); });
+    if (!segment)
+        return tl::unexpected(windowSystemError(connection->isAlive() ? WindowSystemFault::noMemory
+                                                                      : WindowSystemFault::connectionLost));
+    return segment;
+}
+
+std::shared_ptr<ServerPixmap> X11DisplayFilter::lendPixmap() {
+    return pixmaps.lend([this] { return std::make_unique<ServerPixmap>(connection, sizeOf(monitor.rect)); });
+}
+
+xcb_shm_get_image_cookie_t X11DisplayFilter::requestPixels(xcb_drawable_t source, QPoint origin,
+                                                           const SharedSegment& segment) const {
+    return xcb_shm_get_image(connection->get(), source, coordinate(origin.x()), coordinate(origin.y()),
+                             length(monitor.rect.width()), length(monitor.rect.height()), allPlanes,
+                             XCB_IMAGE_FORMAT_Z_PIXMAP, segment.id(), 0);
+}
+
+Result<void> X11DisplayFilter::receivePixels(xcb_shm_get_image_cookie_t cookie) const {
+    const auto reply = xcbResult<xcb_shm_get_image_reply>(connection->get(), cookie);
+    if (!reply)
+        return tl::unexpected(reply.error());
+    return {};
+}
+
+Result<void> X11DisplayFilter::warm() {
+    if (!connection->extensions().sharedMemory)
+        return {};
+    const Result<Segment> segment = lendSegment();
+    if (!segment)
+        return tl::unexpected(segment.error());
+    const auto cookie = requestPixels(connection->root(), monitor.rect.topLeft(), **segment);
+    if (connection->extensions().render) {
+        const auto pixmap = lendPixmap();
+        pixmap->copyFrom(**segment);
+        pixmap->dim();
+    }
+    return receivePixels(cookie);
+}
+
+Result<CapturedImage> X11DisplayFilter::capture(PixelSize size) {
+    if (!connection->extensions().sharedMemory)
+        return captureOnce(connection, monitor, size);
+    connection->discardEvents();
+    const Result<Segment> segment = lendSegment();
+    if (!segment)
+        return tl::unexpected(segment.error());
+    awaitToolkit();
+
+    xcb_connection_t* xcb = connection->get();
+    const auto monitorsCookie = requestMonitors(xcb);
+    const auto windowsRequest = windows.request();
+    const auto pixelsCookie = requestPixels(connection->root(), monitor.rect.topLeft(), **segment);
+    const auto monitors = receiveMonitors(xcb, monitorsCookie);
+    const bool ownWindows = windows.anyOwn(windowsRequest, monitor.rect);
+    const Result<void> pixels = receivePixels(pixelsCookie);
+    if (!monitors)
+        return tl::unexpected(monitors.error());
+    if (std::ranges::find(*monitors, monitor) == monitors->end())
+        return tl::unexpected(windowSystemError(WindowSystemFault::displayMissing));
+    if (!pixels)
+        return tl::unexpected(pixels.error());
+
+    std::shared_ptr<X11FrozenPicture> frozen;
+    if (connection->extensions().render) {
+        const auto pixmap = lendPixmap();
+        if (ownWindows && connection->extensions().composite) {
+            if (const Result<void> composed = composeAround(*pixmap, **segment); !composed)
+                return tl::unexpected(composed.error());
+        } else {
+            // From the pixels just read, so that what is shown is what is exported.
+            pixmap->copyFrom(**segment);
+        }
+        pixmap->dim();
+        frozen = std::make_shared<X11FrozenPicture>(connection, pixmap);
+    }
+    const QImage native = SharedSegment::image(*segment, monitor.rect.width(), monitor.rect.height());
+    return capturedImage(native, size, std::move(frozen));
+}
+
+Result<void> X11DisplayFilter::composeAround(ServerPixmap& pixmap, const SharedSegment& segment) const {
+    composer.compose(pixmap, monitor.rect, windows.visible(monitor.rect));
+    return receivePixels(requestPixels(pixmap.id(), {0, 0}, segment));
+}
+
+Result<CapturedImage> X11DisplayFilter::captureOnce(const std::shared_ptr<X11Connection>& connection,
+                                                    const X11Monitor& monitor, PixelSize size) {
+    connection->discardEvents();
+    xcb_connection_t* xcb = connection->get();
+    std::shared_ptr<ServerPixmap> pixmap;
+    xcb_drawable_t source = connection->root();
+    QPoint origin = monitor.rect.topLeft();
+    if (connection->extensions().render) {
+        pixmap = std::make_shared<ServerPixmap>(connection, sizeOf(monitor.rect));
+        pixmap->copyFromRoot(origin);
+        source = pixmap->id();
+        origin = {};
+    }
+    auto reply = xcbResult<xcb_get_image_reply>(
+        xcb,
+        xcb_get_image(xcb, XCB_IMAGE_FORMAT_Z_PIXMAP, source, coordinate(origin.x()), coordinate(origin.y()),
+                      length(monitor.rect.width()), length(monitor.rect.height()), allPlanes));
+    if (!reply)
+        return tl::unexpected(reply.error());
+    const auto expected = static_cast<std::int64_t>(monitor.rect.width()) * monitor.rect.height() * 4;
+    if (xcb_get_image_data_length(reply->get()) < expected)
+        return tl::unexpected(windowSystemError(WindowSystemFault::shortReply));
+    std::shared_ptr<X11FrozenPicture> frozen;
+    if (pixmap) {
+        pixmap->dim();
+        frozen = std::make_shared<X11FrozenPicture>(connection, pixmap);
+    }
+    return capturedImage(wrapped(std::move(*reply), sizeOf(monitor.rect)), size, std::move(frozen));
+}

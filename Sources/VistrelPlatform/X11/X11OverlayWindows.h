@@ -1,0 +1,70 @@
+#pragma once
+
+#include "VistrelPlatform/OverlayWindows.h"
+#include "VistrelPlatform/X11/OverlayStacking.h"
+#include "VistrelPlatform/X11/ServerPixmap.h"
+
+#include <QAbstractNativeEventFilter>
+#include <QObject>
+#include <QTimer>
+
+#include <map>
+#include <memory>
+
+/// Overlays as override-redirect windows, the only kind that covers panels on every monitor at once under
+/// every window manager. Their first frame is a server-side background. Main thread.
+class X11OverlayWindows : public QObject, public OverlayWindows, private QAbstractNativeEventFilter {
+public:
+    /// Needs the application object on the xcb platform.
+    X11OverlayWindows();
+    ~X11OverlayWindows() override;
+
+    Qt::WindowFlags windowFlags() const override;
+    void prepare(QWidget& window, const Screen& screen) override;
+    void setFrozenPicture(QWidget& window, std::shared_ptr<FrozenPicture> picture) override;
+    void show(QWidget& window) override;
+    void hide(QWidget& window) override;
+    void setLevel(QWidget& window, OverlayLevel level) override;
+    void takeFocus(QWidget& window) override;
+    bool hasKeyboardFocus(const QWidget& window) const override;
+    void prepareDialog(QWidget& dialog) override;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    struct Overlay {
+        QRect nativeRect;
+        std::shared_ptr<X11FrozenPicture> frozen;
+        OverlayLevel level = OverlayLevel::aboveEverything;
+        bool shown = false;
+        /// The toolkit has painted since the window was shown.
+        bool painted = false;
+    };
+
+    bool nativeEventFilter(const QByteArray& type, void* message, qintptr* result) override;
+    void noticeTime(const xcb_generic_event_t& event);
+    void forceGeometry(xcb_window_t id, const Overlay& overlay) const;
+    void setBackground(xcb_window_t id, const Overlay& overlay) const;
+    void dropBackground(QWidget& window);
+    void watchOtherWindows();
+    void restoreStacking();
+    void focusLost();
+    bool setFocus(xcb_window_t id, xcb_timestamp_t time) const;
+    xcb_window_t focusedWindow() const;
+
+    xcb_connection_t* connection;
+    xcb_window_t root = XCB_NONE;
+    /// What the toolkit itself listens to on the root.
+    std::uint32_t rootEventMask = 0;
+    std::uint8_t inputOpcode = 0;
+    OverlayStacking stacking;
+    std::map<QWidget*, Overlay> overlays;
+    /// Of the last key, button or motion event: what a focus change must not be older than.
+    xcb_timestamp_t latestTime = XCB_CURRENT_TIME;
+    QWidget* focusHolder = nullptr;
+    int focusAttempts = 0;
+    QTimer restackSoon;
+    QTimer refocusSoon;
+    QTimer focusCalm;
+};
