@@ -3,6 +3,7 @@
 #include "Overlay/OverlayExport.h"
 
 #include <QPainter>
+#include <QPainterPath>
 
 CanvasPainter::CanvasPainter(QPainter& canvasPainter, const QRegion& damaged)
     : painter(canvasPainter), region(damaged) {}
@@ -13,6 +14,18 @@ QColor CanvasPainter::background() {
 
 QColor CanvasPainter::haze() {
     return QColor::fromRgbF(0.3F, 0.3F, 0.3F, 0.4F);
+}
+
+QRegion CanvasPainter::damage(const std::vector<Rect>& layers, const DecorationLayout& before,
+                              const DecorationLayout& after, const CanvasSpace& space) {
+    QRegion changed;
+    // Half-covered pixels at the rim of what changed.
+    constexpr double rim = 1;
+    for (const Rect& rect : layers)
+        changed += space.pixelsOf(rect.insetBy(-rim));
+    // Layers show only inside the selection.
+    changed &= QRegion(before.selection) + after.selection;
+    return changed + DecorationLayout::difference(before, after);
 }
 
 void CanvasPainter::paintPicture(const Picture& picture) {
@@ -73,15 +86,14 @@ void CanvasPainter::paintHandle(const QRect& handle, const CanvasSpace& space, b
     outline.setAlphaF(static_cast<float>(std::min(1.0, wanted / thickness)));
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(Qt::white);
     const double radius = radiusPoints * space.scale();
-    painter.drawRoundedRect(handle, radius, radius);
-    painter.setPen(QPen(outline, thickness));
-    painter.setBrush(Qt::NoBrush);
-    const double inset = thickness / 2;
-    painter.drawRoundedRect(QRectF(handle).adjusted(inset, inset, -inset, -inset), radius - inset / 2,
-                            radius - inset / 2);
+    QPainterPath shape;
+    shape.addRoundedRect(handle, radius, radius);
+    painter.fillPath(shape, Qt::white);
+    // A ring instead of a pen: its edges are the pixels' own.
+    const double inner = std::max(0.0, radius - thickness / 2);
+    shape.addRoundedRect(QRectF(handle).adjusted(thickness, thickness, -thickness, -thickness), inner, inner);
+    painter.fillPath(shape, outline);
     painter.restore();
 }
 

@@ -22,6 +22,10 @@ public:
     static QColor background();
     static QColor haze();
 
+    /// Pixels to paint again: where layers changed (view points), and between two decorations.
+    static QRegion damage(const std::vector<Rect>& layers, const DecorationLayout& before,
+                          const DecorationLayout& after, const CanvasSpace& space);
+
     void paintPicture(const Picture& picture);
     void paintLayers(const OverlayDocument& document, AnnotationRenderer& renderer, const Picture& picture);
     void paintDecorations(const Picture& picture, const BadgeText& badgeText, const QColor& accent);

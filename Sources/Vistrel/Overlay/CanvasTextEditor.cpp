@@ -10,7 +10,7 @@ CanvasTextEditor::CanvasTextEditor(QWidget& canvas, ViewFlip viewFlip, const Tex
     : view(new AnnotationTextView(&canvas)), flip(viewFlip), size(setup.fontSize) {
     view->setAvailableSize(setup.availableSize);
     view->setAnchor(flip.toWidget(setup.anchor));
-    view->setTextFont(AnnotationTextLayout::font(size));
+    view->setFontSize(size);
     view->setInkColor(setup.color);
     view->setString(setup.text);
     view->fit();
@@ -36,7 +36,7 @@ QString CanvasTextEditor::text() {
 
 void CanvasTextEditor::setFontSize(double points) {
     size = points;
-    view->setTextFont(AnnotationTextLayout::font(points));
+    view->setFontSize(points);
     view->fit();
 }
 
@@ -51,6 +51,10 @@ Rect CanvasTextEditor::fittedFrame() {
 
 void CanvasTextEditor::focus() {
     view->setFocus();
+}
+
+bool CanvasTextEditor::hasFocus() const {
+    return view->hasFocus();
 }
 
 void CanvasTextEditor::setCallbacks(std::function<void()> onCommit, std::function<void()> onCancel) {

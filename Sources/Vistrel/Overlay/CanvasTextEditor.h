@@ -22,6 +22,7 @@ public:
     void setColor(const QColor& color) override;
     Rect fittedFrame() override;
     void focus() override;
+    bool hasFocus() const override;
 
     /// Set by the canvas right after construction.
     void setCallbacks(std::function<void()> onCommit, std::function<void()> onCancel);

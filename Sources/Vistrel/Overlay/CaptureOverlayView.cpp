@@ -6,9 +6,9 @@
 #include "Overlay/CanvasTextEditor.h"
 #include "Overlay/KeyEventTranslation.h"
 #include "Overlay/OverlayEditor.h"
+#include "Overlay/OverlayPanels.h"
 #include "Overlay/SelectionCursors.h"
 
-#include <QApplication>
 #include <QKeyEvent>
 #include <QPainter>
 
@@ -19,6 +19,8 @@ struct CanvasState {
     BadgeText badgeText;
     DecorationLayout layout;
     std::optional<CanvasCursor> cursor;
+    /// Made with the first selection, then kept.
+    std::unique_ptr<OverlayPanels> panels;
 
     ViewFlip flip() const { return {space.viewSize.height}; }
 };
@@ -36,6 +38,7 @@ CaptureOverlayView::CaptureOverlayView(EditorPreferences& editorPreferences, QWi
     setMouseTracking(true);
     setCursor(Qt::CrossCursor);
     editor->session.hooks = makeHooks();
+    connect(&preferences, &EditorPreferences::scalePercentChanged, this, &CaptureOverlayView::updatePanels);
 }
 
 CaptureOverlayView::~CaptureOverlayView() {
@@ -70,8 +73,12 @@ OverlayHooks CaptureOverlayView::makeHooks() {
                         onSave(image);
                 },
             .onChange = [this] { updateGeometry(); },
-            .focusCanvas = [this] { focusCanvas(); },
-            .closeColorPicker = [] {},
+            .focusCanvas = [this] { setFocus(); },
+            .closeColorPicker =
+                [this] {
+                    if (canvas->panels)
+                        canvas->panels->closePicker();
+                },
             .doubleClickOutsideToCancel = [this] { return preferences.doubleClickOutsideToCancel(); },
             .openTextEditor =
                 [this](const TextEditorSetup& setup) {
@@ -84,6 +91,11 @@ OverlayHooks CaptureOverlayView::makeHooks() {
 
 void CaptureOverlayView::resetSession(const CapturedImage& captured, double displayScale, Size viewSize) {
     editor->text.discard();
+    if (canvas->panels) {
+        canvas->panels->dismissHints();
+        canvas->panels->closePicker();
+        canvas->panels->setVisible(false);
+    }
     OverlaySession& session = editor->session;
     session.document.reset(captured.image, displayScale, viewSize);
     session.renderer.clearPatches();
@@ -146,7 +158,28 @@ void CaptureOverlayView::updateGeometry() {
     refreshCanvasCursor();
 }
 
-void CaptureOverlayView::updatePanels() {}
+void CaptureOverlayView::updatePanels() {
+    const OverlayDocument& document = editor->session.document;
+    const bool shows = document.hasImage() && document.selection.width >= 1 &&
+                       document.selection.height >= 1 && !document.isCreatingSelection();
+    if (shows && !canvas->panels)
+        canvas->panels = std::make_unique<OverlayPanels>(
+            *this, *editor, OverlayPanels::Actions{[this](QWidget& button) { share(button); }});
+    if (!canvas->panels)
+        return;
+    if (shows) {
+        constexpr double designScale = 0.8;
+        canvas->panels->show(document);
+        canvas->panels->place(document, preferences.scalePercent() / 100 * designScale);
+    }
+    canvas->panels->setVisible(shows);
+}
+
+void CaptureOverlayView::share(QWidget& button) {
+    const std::optional<QImage> image = editor->output.imageToShare();
+    if (image && onShare)
+        onShare(*image, &button);
+}
 
 void CaptureOverlayView::repaintChanges() {
     OverlaySession& session = editor->session;
@@ -154,14 +187,7 @@ void CaptureOverlayView::repaintChanges() {
     if (!hasImage())
         return;
     DecorationLayout next = DecorationLayout::of(session.document, canvas->space, canvas->badgeText);
-    QRegion changed;
-    // Half-covered pixels at the rim of what changed.
-    constexpr double rim = 1;
-    for (const Rect& rect : damaged)
-        changed += canvas->space.pixelsOf(rect.insetBy(-rim));
-    // Layers show only inside the selection.
-    changed &= QRegion(canvas->layout.selection) + next.selection;
-    changed += DecorationLayout::difference(canvas->layout, next);
+    const QRegion changed = CanvasPainter::damage(damaged, canvas->layout, next, canvas->space);
     canvas->layout = std::move(next);
 
     const double scale = canvas->space.scale();
@@ -208,6 +234,8 @@ void CaptureOverlayView::press(QMouseEvent* event, int clickCount) {
         event->ignore();
         return;
     }
+    if (!isActiveWindow())
+        window()->activateWindow();
     editor->gestures.press({.location = viewPoint(event->position()), .clickCount = clickCount});
 }
 
@@ -252,16 +280,8 @@ bool CaptureOverlayView::performKeyEquivalent(QKeyEvent& event) {
 }
 
 KeyFocus CaptureOverlayView::keyFocus() const {
-    const QWidget* focused = QApplication::focusWidget();
-    return {.textEditor = editor->text.isEditing() && focused && focused != this && isAncestorOf(focused) &&
-                          focused->inherits("AnnotationTextView"),
-            .sizeField = false};
-}
-
-void CaptureOverlayView::focusCanvas() {
-    if (!isActiveWindow())
-        window()->activateWindow();
-    setFocus();
+    return {.textEditor = editor->text.isEditing() && editor->text.openEditor()->hasFocus(),
+            .sizeField = canvas->panels && canvas->panels->sizeFieldHasFocus()};
 }
 
 void CaptureOverlayView::refreshCanvasCursor() {
@@ -274,7 +294,8 @@ void CaptureOverlayView::refreshCanvasCursor(QPointF position) {
     // While a gesture runs, the pointer may be anywhere and still belongs to it.
     if (!editor->session.document.drag && (!QRectF(rect()).contains(position) || childAt(position.toPoint())))
         return;
-    const CanvasCursor next = CanvasCursor::at(viewPoint(position), editor->session.document, false);
+    const CanvasCursor next = CanvasCursor::at(viewPoint(position), editor->session.document,
+                                               canvas->panels && canvas->panels->isOver(position));
     if (canvas->cursor != next)
         showCursor(next);
 }

@@ -75,7 +75,7 @@ private:
     void press(QMouseEvent* event, int clickCount);
     Point viewPoint(QPointF position) const;
     KeyFocus keyFocus() const;
-    void focusCanvas();
+    void share(QWidget& button);
     void updatePanels();
     void repaintChanges();
     void refreshCanvasCursor(QPointF position);

@@ -33,14 +33,14 @@ bool CaptureOverlayWindow::eventFilter(QObject* watched, QEvent* event) {
 }
 
 bool CaptureOverlayWindow::takesKey(QKeyEvent& event) {
-    if (dialogAttached || !canvas->hasImage())
+    if (!canvas->hasImage())
         return false;
-    if (event.key() == Qt::Key_Escape) {
-        if (!event.isAutoRepeat())
-            canvas->cancelOperation();
-        return true;
-    }
-    return canvas->performKeyEquivalent(event);
+    if (event.key() != Qt::Key_Escape)
+        return !dialogAttached && canvas->performKeyEquivalent(event);
+    // Behind a dialog the key is kept from the canvas, which would give up the capture.
+    if (!dialogAttached && !event.isAutoRepeat())
+        canvas->cancelOperation();
+    return true;
 }
 
 void CaptureOverlayWindow::resizeEvent(QResizeEvent* event) {

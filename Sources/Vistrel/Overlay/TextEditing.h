@@ -32,4 +32,5 @@ public:
     /// The box around the text, fitted to it.
     virtual Rect fittedFrame() = 0;
     virtual void focus() = 0;
+    virtual bool hasFocus() const = 0;
 };

@@ -1,0 +1,159 @@
+#include "Overlay/KeyEventTranslation.h"
+#include "Vistrel/Overlay/OverlayFixture.h"
+
+#include <QKeyEvent>
+#include <gmock/gmock.h>
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+namespace {
+
+class KeyCommandTests : public OverlayFixture {
+protected:
+    KeyCommandTests() { select(); }
+};
+
+TEST_F(KeyCommandTests, toolKeys) {
+    const std::pair<const char16_t*, AnnotationTool> keys[] = {
+        {u"P", AnnotationTool::pen},    {u"a", AnnotationTool::arrow},    {u"r", AnnotationTool::rectangle},
+        {u"h", AnnotationTool::marker}, {u"l", AnnotationTool::line},     {u"e", AnnotationTool::ellipse},
+        {u"b", AnnotationTool::blur},   {u"x", AnnotationTool::pixelate}, {u"t", AnnotationTool::text},
+        {u"v", AnnotationTool::select},
+    };
+    for (const auto& [typedKey, tool] : keys) {
+        EXPECT_TRUE(type(typedKey));
+        EXPECT_EQ(document.tool, tool);
+    }
+    EXPECT_FALSE(type(u"q"));
+    for (const ModifierMask held : {Modifier::command, Modifier::control, Modifier::option})
+        EXPECT_FALSE(type(u"p", held)) << held;
+    EXPECT_FALSE(type(u"p", 0, {.sizeField = true}));
+    EXPECT_EQ(document.tool, AnnotationTool::select);
+}
+
+TEST_F(KeyCommandTests, arrowsMoveTheLayerOrTheSelection) {
+    addSelected(AnnotationTool::line, {{100, 100}, {140, 120}});
+    key(Key::rightArrow);
+    key(Key::upArrow, {}, Modifier::shift);
+    EXPECT_EQ(layers().front().geometryBounds(), (Rect{101, 110, 40, 20}));
+    EXPECT_THAT(actions, ElementsAre(Action::layerMoved, Action::layerMoved));
+    EXPECT_EQ(undoSteps(), 2U);
+    for (int i = 0; i < 30; ++i)
+        key(Key::leftArrow, {}, Modifier::shift);
+    EXPECT_EQ(layers().front().geometryBounds().x, 50) << "never past the selection's edge";
+
+    document.state.selectedID.reset();
+    document.history.clear();
+    key(Key::leftArrow, {}, Modifier::shift);
+    key(Key::downArrow);
+    EXPECT_EQ(document.selection, (Rect{40, 49, 300, 200}));
+    for (int i = 0; i < 30; ++i)
+        key(Key::rightArrow, {}, Modifier::shift);
+    EXPECT_EQ(document.selection, (Rect{100, 49, 300, 200})) << "the size is kept";
+    EXPECT_EQ(undoSteps(), 0U);
+    EXPECT_EQ(actions.back(), Action::selectionMoved);
+
+    document.selection = {};
+    EXPECT_FALSE(key(Key::leftArrow));
+}
+
+TEST_F(KeyCommandTests, deletesTheSelectedLayer) {
+    for (const KeyCode code : {Key::deleteKey, Key::forwardDelete}) {
+        EXPECT_FALSE(key(code)) << "nothing selected";
+        addSelected(AnnotationTool::line, {{100, 100}, {140, 120}});
+        EXPECT_FALSE(key(code, {}, Modifier::option));
+        EXPECT_TRUE(key(code));
+        EXPECT_THAT(layers(), IsEmpty());
+    }
+}
+
+TEST_F(KeyCommandTests, bothCommandKeysWork) {
+    for (const ModifierMask held : {Modifier::command, Modifier::control}) {
+        copied = saved = {};
+        document.history.record({}, {.annotations = {EditorAnnotation()}, .selectedID = {}});
+        document.selection = {50, 50, 300, 200};
+        EXPECT_TRUE(type(u"c", held));
+        EXPECT_EQ(copied.size(), QSize(300, 200));
+        EXPECT_TRUE(type(u"s", held));
+        EXPECT_EQ(saved.size(), QSize(300, 200));
+        actions.clear();
+        EXPECT_TRUE(type(u"z", held));
+        EXPECT_TRUE(type(u"Z", held | Modifier::shift));
+        EXPECT_THAT(actions, ElementsAre(Action::undo, Action::redo));
+        EXPECT_FALSE(type(u"q", held));
+    }
+}
+
+TEST_F(KeyCommandTests, selectAllKeepsTheLayers) {
+    addSelected(AnnotationTool::line, {{100, 100}, {140, 120}});
+    document.history.record({}, document.state);
+    EXPECT_TRUE(type(u"a", Modifier::command));
+    EXPECT_EQ(document.selection, (Rect{0, 0, 400, 300}));
+    EXPECT_EQ(layers().size(), 1U);
+    EXPECT_FALSE(document.state.selectedID);
+    EXPECT_EQ(undoSteps(), 1U);
+    EXPECT_EQ(selections, 1);
+    EXPECT_THAT(actions, ElementsAre(Action::selectionCreated));
+}
+
+TEST_F(KeyCommandTests, handledEvenWhenThereIsNothingToExport) {
+    document.selection = {};
+    EXPECT_TRUE(type(u"c", Modifier::command));
+    EXPECT_TRUE(copied.isNull());
+}
+
+TEST_F(KeyCommandTests, whoHasTheKeyboard) {
+    document.tool = AnnotationTool::pen;
+    EXPECT_FALSE(type(u"+", 0, {.sizeField = true})) << "typed into the field";
+    EXPECT_TRUE(type(u"+"));
+    EXPECT_TRUE(type(u"a", Modifier::command, {.sizeField = true}));
+    document.tool = AnnotationTool::text;
+    press({100, 100});
+    ASSERT_TRUE(typed);
+    for (const auto& [typedKey, held] : {std::pair(u"c", Modifier::command), {u"+", 0U}, {u"p", 0U}})
+        EXPECT_FALSE(type(typedKey, held, {.textEditor = true}));
+    EXPECT_FALSE(key(Key::leftArrow, {}, 0, {.textEditor = true})) << "the caret was at the border";
+    EXPECT_TRUE(type(u"+")) << "the canvas has the keyboard: the text grows";
+    EXPECT_EQ(typed->setup.fontSize, 25);
+}
+
+TEST_F(KeyCommandTests, aHeldKeyDoesNotCloseOrCopyAgain) {
+    EXPECT_TRUE(editor.keys.keyDown({.keyCode = Key::escape, .characters = {}, .isRepeat = true}, {}));
+    EXPECT_EQ(closed, 0);
+    EXPECT_TRUE(editor.keys.keyDown(
+        {.modifiers = Modifier::command, .characters = QStringLiteral("c"), .isRepeat = true}, {}));
+    EXPECT_TRUE(copied.isNull());
+}
+
+struct TranslationCase {
+    const char* name;
+    int qtKey;
+    Qt::KeyboardModifiers modifiers;
+    quint32 scanCode;
+    const char16_t* text;
+    KeyCode code;
+    const char16_t* characters;
+};
+
+const TranslationCase translationCases[] = {
+    {"escapeWithoutScanCode", Qt::Key_Escape, {}, 0, u"\x1b", Key::escape, u"\x1b"},
+    {"leftArrow", Qt::Key_Left, {}, 113, u"", Key::leftArrow, u""},
+    {"plainLetter", Qt::Key_P, {}, 33, u"p", 35, u"p"},
+    {"controlLetterIsNoControlCharacter", Qt::Key_C, Qt::ControlModifier, 54, u"\x03", 8, u"c"},
+    {"shiftedCommandLetter", Qt::Key_Z, Qt::MetaModifier | Qt::ShiftModifier, 52, u"Z", 6, u"z"},
+    {"otherScriptByPlace", 0x0421, Qt::ControlModifier, 54, u"", 8, u"c"},
+    {"otherScriptTypedPlainly", 0x0421, {}, 54, u"с", 8, u"с"},
+};
+
+TEST(KeyEventTranslationTests, keysFromTheToolkit) {
+    for (const TranslationCase& row : translationCases) {
+        const QKeyEvent event(QEvent::KeyPress, row.qtKey, row.modifiers, row.scanCode, 0, 0,
+                              QString::fromUtf16(row.text));
+        const KeyEvent key = keyEventFrom(event);
+        EXPECT_EQ(key.keyCode, row.code) << row.name;
+        EXPECT_EQ(key.characters, QString::fromUtf16(row.characters)) << row.name;
+    }
+}
+
+} // namespace

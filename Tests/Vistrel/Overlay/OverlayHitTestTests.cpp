@@ -1,0 +1,154 @@
+#include "Overlay/CanvasCursor.h"
+#include "Vistrel/Overlay/OverlayFixture.h"
+
+#include <numbers>
+
+namespace {
+
+struct HitCase {
+    const char* name;
+    AnnotationTool tool;
+    double width;
+    std::vector<Point> points;
+    Point p;
+    bool hit;
+};
+
+const HitCase hitCases[] = {
+    {"textGrownBy4", AnnotationTool::text, 24, {{100, 100}, {160, 130}}, {96, 96}, true},
+    {"textBeyond4", AnnotationTool::text, 24, {{100, 100}, {160, 130}}, {95.9, 110}, false},
+    {"pixelateInside", AnnotationTool::pixelate, 12, {{100, 100}, {160, 130}}, {130, 115}, true},
+    {"rectangleOnOutline", AnnotationTool::rectangle, 3, {{100, 100}, {200, 200}}, {105, 150}, true},
+    {"rectangleInsideIsNoHit", AnnotationTool::rectangle, 3, {{100, 100}, {200, 200}}, {106, 150}, false},
+    {"rectangleRoundCorner", AnnotationTool::rectangle, 3, {{100, 100}, {200, 200}}, {96, 96}, false},
+    {"rectangleWideStroke", AnnotationTool::rectangle, 20, {{100, 100}, {200, 200}}, {109, 150}, true},
+    {"ellipseOnOutline", AnnotationTool::ellipse, 3, {{100, 100}, {200, 160}}, {150, 164}, true},
+    {"ellipseCornerOfBox", AnnotationTool::ellipse, 3, {{100, 100}, {200, 160}}, {102, 102}, false},
+    {"ellipseCentre", AnnotationTool::ellipse, 3, {{100, 100}, {200, 160}}, {150, 130}, false},
+    {"lineWithin5", AnnotationTool::line, 1, {{100, 100}, {200, 100}}, {150, 105}, true},
+    {"lineBeyond5", AnnotationTool::line, 1, {{100, 100}, {200, 100}}, {150, 105.1}, false},
+    {"lineRoundCap", AnnotationTool::line, 1, {{100, 100}, {200, 100}}, {204.9, 100}, true},
+    {"lineCapIsRound", AnnotationTool::line, 1, {{100, 100}, {200, 100}}, {204, 104}, false},
+    {"arrowBarb", AnnotationTool::arrow, 2, {{100, 100}, {200, 100}}, {188, 111}, true},
+    {"penDot", AnnotationTool::pen, 3, {{100, 100}, {100, 100}}, {103, 103}, true},
+    {"rectangleDot", AnnotationTool::rectangle, 3, {{100, 100}, {100, 100}}, {103, 103}, true},
+    {"penBetweenPoints", AnnotationTool::pen, 3, {{100, 100}, {150, 150}, {200, 100}}, {175, 128}, true},
+    {"penInTheAngle", AnnotationTool::pen, 3, {{100, 100}, {150, 150}, {200, 100}}, {150, 110}, false},
+    {"noPoints", AnnotationTool::pen, 3, {}, {0, 0}, false},
+};
+
+TEST(OverlayHitTestTests, layers) {
+    for (const HitCase& row : hitCases) {
+        EditorAnnotation layer;
+        layer.tool = row.tool;
+        layer.width = row.width;
+        layer.points = row.points;
+        EXPECT_EQ(OverlayHitTest::hits(layer, row.p), row.hit) << row.name;
+    }
+}
+
+// The stroke of a path with round caps and joins says the same as the distance to the path.
+TEST(OverlayHitTestTests, agreesWithAStrokedPath) {
+    EditorAnnotation layer;
+    for (int i = 0; i < 60; ++i) {
+        const double t = i * 0.35;
+        layer.points.push_back({150 + 90 * std::sin(t) * std::cos(0.2 * t), 150 + 80 * std::cos(1.3 * t)});
+    }
+    for (const auto& [tool, width] : {std::pair(AnnotationTool::pen, 3.0), {AnnotationTool::marker, 16.0}}) {
+        layer.tool = tool;
+        layer.width = width;
+        QPainterPathStroker stroker;
+        stroker.setWidth(std::max(width, 10.0));
+        stroker.setCapStyle(Qt::RoundCap);
+        stroker.setJoinStyle(Qt::RoundJoin);
+        stroker.setCurveThreshold(0.01);
+        QPainterPath outline = stroker.createStroke(layer.path());
+        outline.setFillRule(Qt::WindingFill);
+        int differences = 0;
+        for (int x = 40; x < 260; x += 3) {
+            for (int y = 40; y < 260; y += 3)
+                differences +=
+                    OverlayHitTest::hits(layer, {double(x), double(y)}) != outline.contains(QPointF(x, y));
+        }
+        EXPECT_LE(differences, 8) << "of 5476 places, at the very rim";
+    }
+}
+
+TEST(OverlayHitTestTests, theTopmostLayerWins) {
+    OverlayDocument document;
+    for (int i = 0; i < 2; ++i) {
+        EditorAnnotation layer;
+        layer.id = QUuid::createUuid();
+        layer.tool = AnnotationTool::pixelate;
+        layer.points = {{0, 0}, {50, 50}};
+        document.state.annotations.push_back(layer);
+    }
+    EXPECT_EQ(OverlayHitTest::layerAt(document, {10, 10}), &document.state.annotations[1]);
+    EXPECT_EQ(OverlayHitTest::layerAt(document, {90, 10}), nullptr);
+}
+
+using Shape = CanvasCursor::Shape;
+
+class CanvasCursorTests : public OverlayFixture {
+protected:
+    CanvasCursor at(Point p, bool overPanel = false) const {
+        return CanvasCursor::at(p, document, overPanel);
+    }
+    static CanvasCursor resizing(int handle) { return {.shape = Shape::resize, .handle = handle}; }
+};
+
+TEST_F(CanvasCursorTests, followsTheSelection) {
+    EXPECT_EQ(at({100, 100}), CanvasCursor{}) << "nothing selected";
+    select();
+    EXPECT_EQ(at({200, 150}), CanvasCursor{.shape = Shape::openHand});
+    EXPECT_EQ(at({200, 250}), resizing(5));
+    EXPECT_EQ(at({50, 250}), resizing(6));
+    EXPECT_EQ(at({355, 120}), resizing(3));
+    EXPECT_EQ(at({380, 280}), CanvasCursor{});
+    EXPECT_EQ(at({200, 150}, true), CanvasCursor{.shape = Shape::arrow});
+    addSelected(AnnotationTool::rectangle, {{100, 100}, {200, 200}});
+    EXPECT_EQ(at({197, 104}), resizing(2)) << "corner 1 is handle 2 of a selection";
+    EXPECT_EQ(at({103, 197}), resizing(6));
+    addSelected(AnnotationTool::arrow, {{220, 100}, {300, 200}});
+    EXPECT_EQ(at({300, 200}), CanvasCursor{});
+}
+
+TEST_F(CanvasCursorTests, followsTheTool) {
+    select();
+    struct ToolCase {
+        AnnotationTool tool;
+        int size;
+        CanvasCursor expected;
+    };
+    const ToolCase cases[] = {
+        {AnnotationTool::pen, 9, {}},
+        {AnnotationTool::pen, 10, {.shape = Shape::brush, .diameter = 10}},
+        {AnnotationTool::blur, 24, {.shape = Shape::brush, .diameter = 24}},
+        {AnnotationTool::rectangle, 50, {}},
+        {AnnotationTool::text, 24, {.shape = Shape::iBeam}},
+    };
+    for (const ToolCase& row : cases) {
+        document.tool = row.tool;
+        document.toolSizes[row.tool] = row.size;
+        EXPECT_EQ(at({200, 150}), row.expected) << static_cast<int>(row.tool);
+        EXPECT_EQ(at({50, 250}), row.tool == AnnotationTool::select ? resizing(6) : CanvasCursor{});
+    }
+}
+
+TEST_F(CanvasCursorTests, followsTheGesture) {
+    select();
+    press({200, 150});
+    EXPECT_EQ(at({0, 0}, true), CanvasCursor{.shape = Shape::closedHand}) << "over a panel too";
+    release({200, 150});
+    press({50, 250});
+    EXPECT_EQ(at({200, 150}), resizing(6));
+    release({50, 250});
+    addSelected(AnnotationTool::rectangle, {{100, 100}, {200, 200}});
+    press({200, 200});
+    EXPECT_EQ(at({150, 150}), resizing(4));
+    release({200, 200});
+    press({10, 10});
+    EXPECT_EQ(at({200, 150}), CanvasCursor{});
+}
+
+} // namespace

@@ -1,0 +1,156 @@
+#include "Vistrel/Overlay/OverlayFixture.h"
+
+#include <gmock/gmock.h>
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+namespace {
+
+class TextCommandTests : public OverlayFixture {
+protected:
+    TextCommandTests() {
+        select();
+        document.tool = AnnotationTool::text;
+    }
+    void begin(Point p) {
+        press(p);
+        release(p);
+        ASSERT_TRUE(typed);
+    }
+    EditorAnnotation& addText() {
+        EditorAnnotation& layer = add(AnnotationTool::text, {{100, 100}, {150, 124}}, 24);
+        layer.text = QStringLiteral("hello");
+        return layer;
+    }
+};
+
+TEST_F(TextCommandTests, beginsUnderTheWholeSelection) {
+    begin({200, 150});
+    EXPECT_EQ(typed->setup.fontSize, 24);
+    EXPECT_EQ(typed->setup.anchor, (Point{200, 162})) << "the first line is centred on the press";
+    EXPECT_EQ(typed->setup.availableSize, (Size{150, 112}));
+    EXPECT_EQ(typed->timesFocused, 1);
+    EXPECT_EQ(selections, 1);
+    EXPECT_EQ(document.styleTool(), AnnotationTool::text);
+    EXPECT_THAT(actions, ElementsAre(Action::textEditingStarted));
+}
+
+TEST_F(TextCommandTests, nearTheTopItStartsAtTheTop) {
+    begin({200, 245});
+    EXPECT_EQ(typed->setup.anchor, (Point{200, 250}));
+}
+
+TEST_F(TextCommandTests, commitMakesALayerOfTheTextAsTyped) {
+    begin({200, 150});
+    typed->setup.text = QStringLiteral(" a\nb\n");
+    press({10, 10});
+    EXPECT_FALSE(typed);
+    ASSERT_EQ(layers().size(), 1U);
+    EXPECT_EQ(layers().front().text, QStringLiteral(" a\nb\n"));
+    EXPECT_EQ(layers().front().points, (std::vector<Point>{{200, 138}, {250, 162}}));
+    EXPECT_EQ(layers().front().size, 24);
+    EXPECT_EQ(document.state.selectedID, layers().front().id);
+    EXPECT_THAT(actions, ElementsAre(Action::textEditingStarted, Action::textCommitted));
+    EXPECT_EQ(undoSteps(), 1U);
+}
+
+TEST_F(TextCommandTests, blankTextAddsNothing) {
+    begin({200, 150});
+    typed->setup.text = QStringLiteral(" \n\t");
+    editor.text.commit();
+    EXPECT_THAT(layers(), IsEmpty());
+    EXPECT_EQ(undoSteps(), 0U);
+}
+
+TEST_F(TextCommandTests, emptyingATextDeletesItsLayer) {
+    const EditorState before = [this] {
+        addText();
+        return document.state;
+    }();
+    document.tool = AnnotationTool::select;
+    press({120, 110}, 2);
+    ASSERT_TRUE(typed);
+    typed->setup.text.clear();
+    press({10, 10});
+    release({10, 10});
+    EXPECT_THAT(layers(), IsEmpty());
+    EXPECT_FALSE(document.state.selectedID);
+    editor.layers.undo();
+    EXPECT_EQ(layers(), before.annotations);
+}
+
+TEST_F(TextCommandTests, editingReplacesTheLayerInPlace) {
+    const QUuid id = addText().id;
+    add(AnnotationTool::line, {{60, 60}, {70, 70}});
+    document.tool = AnnotationTool::select;
+    press({120, 110}, 2);
+    ASSERT_TRUE(typed);
+    EXPECT_EQ(document.visibleLayers().size(), 1U) << "its editor shows it";
+    typed->setup.text = QStringLiteral("bye");
+    editor.text.commit();
+    EXPECT_EQ(layers()[0].id, id);
+    EXPECT_EQ(layers()[0].text, QStringLiteral("bye"));
+    EXPECT_EQ(layers()[0].points, (std::vector<Point>{{100, 100}, {130, 124}}));
+    EXPECT_EQ(undoSteps(), 1U);
+}
+
+TEST_F(TextCommandTests, styleChangesStayInTheEditorUntilCommit) {
+    addText();
+    const EditorState before = document.state;
+    document.tool = AnnotationTool::select;
+    press({120, 110}, 2);
+    ASSERT_TRUE(typed);
+    editor.layers.setDrawingSize(30);
+    editor.layers.setDrawingColor(Qt::blue);
+    EXPECT_EQ(typed->setup.fontSize, 30);
+    EXPECT_EQ(typed->setup.color, QColor(Qt::blue));
+    EXPECT_EQ(document.drawingSize(), 30);
+    EXPECT_EQ(layers(), before.annotations);
+    EXPECT_FALSE(document.toolSizes.contains(AnnotationTool::text)) << "the tool is not the text tool";
+    EXPECT_TRUE(key(Key::escape));
+    EXPECT_FALSE(typed);
+    EXPECT_EQ(layers(), before.annotations);
+    EXPECT_EQ(undoSteps(), 0U);
+    EXPECT_EQ(closed, 0) << "the first Escape only cancels the text";
+    EXPECT_EQ(actions.back(), Action::textCancelled);
+    EXPECT_TRUE(key(Key::escape));
+    EXPECT_EQ(closed, 1);
+}
+
+TEST_F(TextCommandTests, theTextToolRemembersItsStyle) {
+    begin({200, 150});
+    editor.layers.setDrawingSize(31);
+    editor.layers.setDrawingColor(Qt::green);
+    EXPECT_EQ(document.toolSizes[AnnotationTool::text], 31);
+    EXPECT_EQ(document.toolColors[AnnotationTool::text], QColor(Qt::green));
+    editor.layers.stepSize(1);
+    EXPECT_EQ(typed->timesFocused, 2) << "the keyboard goes back to the text";
+}
+
+TEST_F(TextCommandTests, everyCommandCommitsFirst) {
+    const std::vector<std::pair<const char*, std::function<void()>>> commands = {
+        {"tool", [this] { editor.layers.selectTool(AnnotationTool::pen); }},
+        {"select", [this] { editor.layers.selectAnnotation({}); }},
+        {"delete", [this] { editor.layers.deleteAnnotation({}); }},
+        {"reorder", [this] { editor.layers.reorderAnnotation({}, 0); }},
+        {"redo", [this] { editor.layers.redo(); }},
+        {"copy", [this] { editor.output.copySelection(); }},
+        {"save", [this] { editor.output.saveSelection(); }},
+        {"share", [this] { EXPECT_TRUE(editor.output.imageToShare()); }},
+    };
+    for (const auto& [name, command] : commands) {
+        SCOPED_TRACE(name);
+        document.state = {};
+        document.tool = AnnotationTool::text;
+        begin({200, 150});
+        typed->setup.text = QStringLiteral("x");
+        command();
+        EXPECT_FALSE(typed);
+        EXPECT_EQ(layers().size(), 1U);
+    }
+    EXPECT_FALSE(copied.isNull());
+    EXPECT_FALSE(saved.isNull());
+}
+
+} // namespace
