@@ -1,0 +1,78 @@
+#include "VistrelPlatform/Freedesktop/ShareDesktopServices.h"
+
+#include "VistrelPlatform/Freedesktop/DefaultApplications.h"
+#include "VistrelPlatform/Freedesktop/ShareApplications.h"
+#include "VistrelPlatform/Freedesktop/ShareBluetooth.h"
+#include "VistrelPlatform/Freedesktop/ShareLinkedDevices.h"
+#include "VistrelPlatform/Freedesktop/ShareMail.h"
+
+#include <QTimer>
+
+namespace {
+
+/// A settings program that ends sooner has passed the request to one that is open already; when that one
+/// is closed cannot be seen.
+constexpr std::chrono::seconds settingsHandOver{3};
+
+} // namespace
+
+ShareDesktopServices::ShareDesktopServices()
+    : ShareDesktopServices(QDBusConnection::sessionBus(), QDBusConnection::systemBus()) {}
+
+ShareDesktopServices::ShareDesktopServices(QDBusConnection sessionBus, QDBusConnection systemBus) {
+    suppliers.emplace_back(QStringLiteral("mail:"), std::make_unique<ShareMail>(sessionBus, retention));
+    suppliers.emplace_back(QStringLiteral("bluetooth:"),
+                           std::make_unique<ShareBluetooth>(std::move(systemBus), sessionBus));
+    suppliers.emplace_back(QStringLiteral("device:"),
+                           std::make_unique<ShareLinkedDevices>(sessionBus, retention));
+    suppliers.emplace_back(QStringLiteral("application:"),
+                           std::make_unique<ShareApplications>(sessionBus, retention));
+}
+
+ShareDesktopServices::~ShareDesktopServices() = default;
+
+void ShareDesktopServices::refresh() {
+    for (const auto& [name, supplier] : suppliers)
+        supplier->refresh();
+}
+
+std::vector<ShareService> ShareDesktopServices::services() {
+    std::vector<ShareService> all;
+    for (const auto& [name, supplier] : suppliers) {
+        for (ShareService service : supplier->services()) {
+            service.identifier.prepend(name);
+            all.push_back(std::move(service));
+        }
+    }
+    return all;
+}
+
+void ShareDesktopServices::perform(const ShareService& service, const SharedPicture& picture,
+                                   Completion completion) {
+    const auto file = SharePictureFile::write(picture);
+    for (const auto& [name, supplier] : suppliers) {
+        if (file && service.identifier.startsWith(name)) {
+            supplier->perform(service.identifier.mid(name.size()), *file, std::move(completion));
+            return;
+        }
+    }
+    QTimer::singleShot(0, this, [completion = std::move(completion)] { completion(false); });
+}
+
+bool ShareDesktopServices::openExtensionSettings() {
+    auto opened = DefaultApplications::openSettings();
+    if (!opened)
+        return false;
+    settings = std::move(*opened);
+    settings->onExit = [this](int) {
+        const bool closed = settings->age() >= settingsHandOver;
+        settings.release()->deleteLater();
+        if (closed && onExtensionSettingsClosed)
+            onExtensionSettingsClosed();
+    };
+    return true;
+}
+
+void ShareDesktopServices::removeLeftovers() {
+    SharePictureFile::removeLeftovers();
+}
