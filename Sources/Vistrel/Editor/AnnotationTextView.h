@@ -32,7 +32,6 @@ public:
     /// Size of the text in points, fractions kept.
     void setFontSize(double points);
     double fontSize() const;
-    void setTextFont(const QFont& font) { setFontSize(font.pixelSize()); }
     /// Colour of the text and of the caret.
     void setInkColor(const QColor& color);
     QColor inkColor() const { return ink; }

@@ -18,7 +18,8 @@ namespace {
 
 QPointer<CaptureColorWell> owner;
 
-/// The dialog stands over the overlay without a window manager's frame, so it draws its own edge.
+/// The dialog stands over the overlay without a window manager's frame, so it draws its own edge and is
+/// moved by its background.
 class ColorPickerDialog : public QColorDialog {
 public:
     ColorPickerDialog() {
@@ -36,6 +37,18 @@ protected:
         painter.setPen(QPen(edge, 1));
         painter.drawRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5));
     }
+    void mousePressEvent(QMouseEvent* event) override {
+        if (event->button() == Qt::LeftButton)
+            grip = event->globalPosition().toPoint() - pos();
+    }
+    void mouseMoveEvent(QMouseEvent* event) override {
+        if (grip)
+            move(event->globalPosition().toPoint() - *grip);
+    }
+    void mouseReleaseEvent(QMouseEvent*) override { grip.reset(); }
+
+private:
+    std::optional<QPoint> grip;
 };
 
 QPointer<ColorPickerDialog> dialog;

@@ -1,6 +1,7 @@
 #include "Editor/EditorAccessibility.h"
 
 #include "Editor/EditorActionBar.h"
+#include "Editor/EditorButton.h"
 #include "Editor/EditorPanel.h"
 #include "Editor/LayerIcon.h"
 #include "Editor/LayerLabel.h"
@@ -54,7 +55,41 @@ public:
     }
 };
 
+/// A tool is one of several choices, any other button a plain one; pressing either is a click.
+class EditorButtonAccessible : public QAccessibleWidget {
+public:
+    explicit EditorButtonAccessible(EditorButton& shown) : QAccessibleWidget(&shown, QAccessible::Button) {}
+
+    QAccessible::Role role() const override {
+        return button().isCheckable() ? QAccessible::RadioButton : QAccessible::Button;
+    }
+
+    QString text(QAccessible::Text kind) const override {
+        const QString result = QAccessibleWidget::text(kind);
+        return kind == QAccessible::Name && result.isEmpty() ? button().text() : result;
+    }
+    QAccessible::State state() const override {
+        QAccessible::State result = QAccessibleWidget::state();
+        result.checkable = button().isCheckable();
+        result.checked = button().isHighlighted();
+        result.pressed = button().isDown();
+        return result;
+    }
+    QStringList actionNames() const override { return {pressAction(), setFocusAction()}; }
+    void doAction(const QString& action) override {
+        if (action == pressAction())
+            button().click();
+        else
+            QAccessibleWidget::doAction(action);
+    }
+
+private:
+    EditorButton& button() const { return *static_cast<EditorButton*>(widget()); }
+};
+
 QAccessibleInterface* make(const QString&, QObject* object) {
+    if (auto* button = qobject_cast<EditorButton*>(object))
+        return new EditorButtonAccessible(*button);
     if (auto* row = qobject_cast<LayerRowView*>(object))
         return new LayerRowAccessible(*row);
     if (auto* icon = qobject_cast<LayerIcon*>(object))

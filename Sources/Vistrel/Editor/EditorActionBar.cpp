@@ -1,6 +1,7 @@
 #include "Editor/EditorActionBar.h"
 
 #include "Editor/DevicePixels.h"
+#include "Editor/EditorAccessibility.h"
 #include "Editor/EditorButton.h"
 #include "Editor/EditorColors.h"
 
@@ -45,6 +46,7 @@ protected:
 } // namespace
 
 EditorActionBar::EditorActionBar(QWidget* parent) : QWidget(parent) {
+    EditorAccessibility::install();
     setObjectName(QStringLiteral("actionBar"));
     setAccessibleName(QStringLiteral("Actions"));
     setPalette(EditorColors::palette());

@@ -1,6 +1,7 @@
 #include "Editor/EditorButton.h"
 
 #include "Editor/DevicePixels.h"
+#include "Editor/EditorAccessibility.h"
 #include "Editor/EditorColors.h"
 #include "Editor/EditorFont.h"
 #include "Editor/EditorHint.h"
@@ -17,6 +18,7 @@ constexpr double disabledStrength = 0.4;
 } // namespace
 
 EditorButton::EditorButton(QWidget* parent) : QPushButton(parent), bubble(new EditorHint(*this)) {
+    EditorAccessibility::install();
     setFlat(true);
     setAutoDefault(false);
     setFocusPolicy(Qt::TabFocus);

@@ -1,6 +1,7 @@
 #include "Editor/EditorPanel.h"
 
 #include "Editor/DevicePixels.h"
+#include "Editor/EditorAccessibility.h"
 #include "Editor/EditorColors.h"
 
 namespace {
@@ -16,6 +17,7 @@ QPainterPath united(const std::vector<QRectF>& rects, double radius) {
 } // namespace
 
 EditorPanel::EditorPanel(QWidget* parent) : QWidget(parent) {
+    EditorAccessibility::install();
     setCursor(Qt::ArrowCursor);
     setPalette(EditorColors::palette());
 }

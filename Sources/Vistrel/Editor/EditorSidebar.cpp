@@ -2,7 +2,6 @@
 
 #include "Editor/CaptureColorWell.h"
 #include "Editor/DevicePixels.h"
-#include "Editor/EditorAccessibility.h"
 #include "Editor/EditorButton.h"
 #include "Editor/EditorColors.h"
 #include "Editor/EditorFont.h"
@@ -42,7 +41,6 @@ EditorSidebar::EditorSidebar(QWidget* parent)
       sizeControls(new EditorSizeControls(toolsPanel)),
       headingLabel(new QLabel(QStringLiteral("Layers"), layersPanel)),
       layerTable(new LayerTableView(layersPanel)) {
-    EditorAccessibility::install();
     setObjectName(QStringLiteral("editorSidebar"));
     setAccessibleName(QStringLiteral("Editor"));
     setPalette(EditorColors::palette());

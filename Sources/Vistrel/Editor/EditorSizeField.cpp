@@ -6,6 +6,7 @@
 #include "Editor/EditorFont.h"
 #include "Editor/EditorHint.h"
 
+#include <QFontMetricsF>
 #include <QKeyEvent>
 #include <QPainter>
 
@@ -54,13 +55,15 @@ void EditorSizeField::showSize(int size) {
 }
 
 void EditorSizeField::setDigits(double points, double covered) {
-    const int margin = static_cast<int>(std::ceil(covered)) + textInset;
+    if (digits != points) {
+        digits = points;
+        setFont(EditorFont::system(points, QFont::DemiBold));
+    }
+    // In a narrow strip two digits matter more than keeping clear of the buttons.
+    const double free = (width() - QFontMetricsF(font()).horizontalAdvance(QStringLiteral("88"))) / 2;
+    const int margin = static_cast<int>(std::clamp(free - 2 * textInset, 0.0, covered + textInset));
     if (textMargins().left() != margin)
         setTextMargins(margin, 0, margin, 0);
-    if (digits == points)
-        return;
-    digits = points;
-    setFont(EditorFont::system(points, QFont::DemiBold));
 }
 
 void EditorSizeField::setCornerRadius(double points) {

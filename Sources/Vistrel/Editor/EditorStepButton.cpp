@@ -5,6 +5,10 @@
 #include <QPainter>
 #include <QPainterPath>
 
+namespace {
+constexpr double lineWidth = 2;
+}
+
 EditorStepButton::EditorStepButton(bool increases, QWidget* parent)
     : EditorButton(parent), increasing(increases) {
     setFiresOnPress(true);
@@ -24,15 +28,16 @@ void EditorStepButton::paintContent(QPainter& painter) {
         return;
     QColor color = EditorColors::ink();
     color.setAlphaF(isEnabled() ? 1.0F : 0.4F);
-    painter.setPen(QPen(color, 2, Qt::SolidLine, Qt::RoundCap));
+    painter.setPen(QPen(color, lineWidth, Qt::SolidLine, Qt::RoundCap));
     const QPointF center = QRectF(rect()).center();
     // One path, so that the bars do not darken each other where they cross.
     QPainterPath glyph;
-    glyph.moveTo(center - QPointF(length / 2, 0));
-    glyph.lineTo(center + QPointF(length / 2, 0));
+    const double reach = std::max((length - lineWidth) / 2, 0.1); // The round caps take the rest.
+    glyph.moveTo(center - QPointF(reach, 0));
+    glyph.lineTo(center + QPointF(reach, 0));
     if (increasing) {
-        glyph.moveTo(center - QPointF(0, length / 2));
-        glyph.lineTo(center + QPointF(0, length / 2));
+        glyph.moveTo(center - QPointF(0, reach));
+        glyph.lineTo(center + QPointF(0, reach));
     }
     painter.drawPath(glyph);
 }

@@ -30,7 +30,8 @@ QRectF LayerScrollBar::thumb() const {
     const double length = std::clamp(height() * pageStep() / (range + pageStep()), shortest,
                                      std::max(double(height()), shortest));
     const double top = (height() - length) * (value() - minimum()) / range;
-    return {1, top, double(thickness) - 2, length};
+    const double side = thickness * 0.25;
+    return {side, top, thickness - 2 * side, length};
 }
 
 void LayerScrollBar::paintEvent(QPaintEvent*) {
@@ -40,7 +41,7 @@ void LayerScrollBar::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     QColor color = EditorColors::ink();
-    color.setAlphaF(grabOffset || underMouse() ? 0.7F : 0.4F);
+    color.setAlphaF(grabOffset || underMouse() ? 0.6F : 0.35F);
     painter.setPen(Qt::NoPen);
     painter.setBrush(color);
     painter.drawRoundedRect(handle, handle.width() / 2, handle.width() / 2);

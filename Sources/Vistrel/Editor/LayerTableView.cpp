@@ -1,6 +1,7 @@
 #include "Editor/LayerTableView.h"
 
 #include "Editor/DevicePixels.h"
+#include "Editor/EditorAccessibility.h"
 #include "Editor/EditorColors.h"
 #include "Editor/LayerRowView.h"
 #include "Editor/LayerScrollBar.h"
@@ -45,6 +46,7 @@ LayerTableView::LayerTableView(QWidget* parent)
       bar(new LayerScrollBar),
       indicator(new DropIndicator(viewport())),
       scroller(new QTimer(this)) {
+    EditorAccessibility::install();
     setObjectName(QStringLiteral("layerTable"));
     setAccessibleName(QStringLiteral("Annotation layers, newest first"));
     setFrameShape(QFrame::NoFrame);
