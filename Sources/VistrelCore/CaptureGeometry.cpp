@@ -40,13 +40,13 @@ Rect CaptureGeometry::pixelRect(const Rect& selection, Size viewSize, Size image
 }
 
 Rect CaptureGeometry::labelRect(const Rect& selection, Size labelSize, const Rect& bounds) {
-    constexpr double gap = 6;
+    constexpr double badgeGap = 6;
     const Rect area = bounds.standardized();
     const double width = std::min(area.width, labelSize.width);
     const double height = std::min(area.height, labelSize.height);
-    double y = selection.maxY() + gap;
+    double y = selection.maxY() + badgeGap;
     if (area.maxY() < y + height)
-        y = selection.maxY() - gap - height;
+        y = selection.maxY() - badgeGap - height;
     const double x = selection.midX() - width * 0.5;
     return {std::min(std::max(x, area.minX()), area.maxX() - width),
             std::min(std::max(y, area.minY()), area.maxY() - height), width, height};

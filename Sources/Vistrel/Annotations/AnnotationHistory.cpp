@@ -2,8 +2,8 @@
 
 namespace {
 
-std::optional<EditorState> step(std::vector<EditorState>& from, std::vector<EditorState>& to,
-                                const EditorState& current) {
+std::optional<EditorState> moveState(std::vector<EditorState>& from, std::vector<EditorState>& to,
+                                     const EditorState& current) {
     if (from.empty())
         return std::nullopt;
     EditorState shown = std::move(from.back());
@@ -24,11 +24,11 @@ void AnnotationHistory::record(const EditorState& before, const EditorState& aft
 }
 
 std::optional<EditorState> AnnotationHistory::undo(const EditorState& current) {
-    return step(past, future, current);
+    return moveState(past, future, current);
 }
 
 std::optional<EditorState> AnnotationHistory::redo(const EditorState& current) {
-    return step(future, past, current);
+    return moveState(future, past, current);
 }
 
 void AnnotationHistory::clear() {

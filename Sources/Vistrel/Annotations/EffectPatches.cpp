@@ -63,10 +63,10 @@ bool isUnscaled(const QPainter& painter, const ImageSpace& space) {
 }
 
 void paintBlurTile(const EditorAnnotation& effect, const EffectTiles& tiles, EffectTiles::Index tile,
-                   QPainter& painter, const ImageSpace& space) {
+                   QPainter& painter, const ImageSpace& space, const QRect& visible) {
     const bool unscaled = isUnscaled(painter, space);
     const QRect area = tiles.area(tile);
-    const Rect seen = space.view(area);
+    const Rect seen = space.view(area & visible);
     QBrush brush(unscaled ? tiles.image(tile) : tiles.imageWithRim(tile));
     const QPoint origin = unscaled ? area.topLeft() : area.topLeft() - QPoint(1, 1);
     brush.setTransform(QTransform::fromTranslate(origin.x(), origin.y()) * space.toView());
@@ -119,7 +119,7 @@ void EffectPatches::paint(const EditorAnnotation& effect, QPainter& painter, con
         if (!tiles.contains(tile))
             continue;
         if (effect.tool == AnnotationTool::blur)
-            paintBlurTile(effect, tiles, tile, painter, space);
+            paintBlurTile(effect, tiles, tile, painter, space, visible.boundingRect());
         else
             paintPixelateTile(effect, tiles, tile, painter, space);
     }

@@ -60,9 +60,15 @@ std::vector<EffectTiles::Index> EffectTiles::shownIn(const EditorAnnotation& eff
     const QRect bounds = within.boundingRect();
     const QTransform toPixels = space.toPixels();
     const double reach = effect.width * space.pixelsPerPointX() / 2 + strokeEdge;
+    const Rect seen = space.view(bounds).insetBy(-reach / space.pixelsPerPointX());
     for (std::size_t i = 0; i < effect.points.size(); ++i) {
-        const QPointF from = toPixels.map(toQPointF(effect.points[i > 0 ? i - 1 : 0]));
-        const QPointF to = toPixels.map(toQPointF(effect.points[i]));
+        const Point start = effect.points[i > 0 ? i - 1 : 0];
+        const Point end = effect.points[i];
+        if (std::max(start.x, end.x) < seen.minX() || std::min(start.x, end.x) > seen.maxX() ||
+            std::max(start.y, end.y) < seen.minY() || std::min(start.y, end.y) > seen.maxY())
+            continue;
+        const QPointF from = toPixels.map(toQPointF(start));
+        const QPointF to = toPixels.map(toQPointF(end));
         const QPointF way = to - from;
         const int parts = 1 + static_cast<int>(std::max(std::abs(way.x()), std::abs(way.y())) / tileEdge);
         for (int part = 0; part < parts; ++part) {

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr int step = 4;
+constexpr int keptEvery = 4;
 constexpr int channels = 4;
 constexpr int smoothRadius = 12; // pixels
 constexpr int keptRadius = 11;   // kept samples
@@ -20,7 +20,7 @@ constexpr int gapRadius = 3;     // kept samples on either side of a pixel
 constexpr double totalVariance = 144;
 constexpr double smoothVariance = 9;
 constexpr double gapVariance = 9;
-constexpr double keptVariance = (totalVariance - smoothVariance - gapVariance) / (step * step);
+constexpr double keptVariance = (totalVariance - smoothVariance - gapVariance) / (keptEvery * keptEvery);
 
 template<std::size_t count>
 using Weights = std::array<float, count>;
@@ -49,10 +49,10 @@ struct Kernels {
     Weights<smoothTaps> smooth = gauss<smoothTaps>(smoothVariance, -smoothRadius, 1, smoothRadius);
     Weights<keptTaps> kept = gauss<keptTaps>(keptVariance, -keptRadius, 1, keptRadius);
     /// One kernel for each place between two kept samples.
-    std::array<Weights<gapTaps>, step> gap = {gapAt(0), gapAt(1), gapAt(2), gapAt(3)};
+    std::array<Weights<gapTaps>, keptEvery> gap = {gapAt(0), gapAt(1), gapAt(2), gapAt(3)};
 
     static Weights<gapTaps> gapAt(int phase) {
-        return gauss<gapTaps>(gapVariance, -step * gapRadius - phase, step, step * gapRadius);
+        return gauss<gapTaps>(gapVariance, -keptEvery * gapRadius - phase, keptEvery, keptEvery * gapRadius);
     }
 };
 
@@ -70,12 +70,13 @@ struct Range {
 
 /// Kept samples that the pixels of a range need.
 Range keptFor(Range pixels) {
-    return {floorDiv(pixels.first, step) - gapRadius, floorDiv(pixels.end - 1, step) + gapRadius + 1};
+    return {floorDiv(pixels.first, keptEvery) - gapRadius,
+            floorDiv(pixels.end - 1, keptEvery) + gapRadius + 1};
 }
 
 /// Pixels that are read for a range of kept samples.
 Range pixelsFor(Range kept) {
-    return {step * kept.first - smoothRadius, step * (kept.end - 1) + smoothRadius + 1};
+    return {keptEvery * kept.first - smoothRadius, keptEvery * (kept.end - 1) + smoothRadius + 1};
 }
 
 /// Eight floats, two pixels; without AVX the compiler uses two registers.
@@ -143,7 +144,7 @@ struct Work {
         wide.resize(static_cast<std::size_t>(wideColumns.count()) * channels);
         kept.resize(static_cast<std::size_t>(keptWidth) * static_cast<std::size_t>(wideRows.count()));
         finished.resize(static_cast<std::size_t>(keptWidth));
-        filledWidth = roundedUp((columns.count() + 2 * step) * channels);
+        filledWidth = roundedUp((columns.count() + 2 * keptEvery) * channels);
         filled.resize(static_cast<std::size_t>(filledWidth) * gapRing);
     }
 
@@ -202,18 +203,18 @@ BLUR_INLINE void padEnds(Work& work) {
 /// Smooths, keeps every fourth row and column, and blurs what is kept along its rows.
 BLUR_INLINE void keepSamples(Work& work, const Kernels& kernels) {
     const int before = work.inMemory.first - work.readColumns.first;
-    int read = step * work.wideRows.first - smoothRadius;
+    int read = keptEvery * work.wideRows.first - smoothRadius;
     for (int r = work.wideRows.first; r < work.wideRows.end; ++r) {
-        for (; read <= step * r + smoothRadius; ++read)
+        for (; read <= keptEvery * r + smoothRadius; ++read)
             readRow(work, read);
         const float* rows[smoothTaps];
         for (int t = 0; t < static_cast<int>(smoothTaps); ++t)
-            rows[t] = ringRow(work, step * r - smoothRadius + t);
+            rows[t] = ringRow(work, keptEvery * r - smoothRadius + t);
         addRows<smoothTaps>(rows, kernels.smooth.data(), work.padded.data() + before * channels,
                             work.readWidth);
         padEnds(work);
         for (int c = 0; c < work.wideColumns.count(); ++c)
-            addColumns<smoothTaps>(work.padded.data() + c * step * channels, kernels.smooth.data(),
+            addColumns<smoothTaps>(work.padded.data() + c * keptEvery * channels, kernels.smooth.data(),
                                    work.wide.data() + c * channels);
         float* out = work.kept.data() + static_cast<std::ptrdiff_t>(r - work.wideRows.first) * work.keptWidth;
         for (int c = 0; c < work.keptColumns.count(); ++c)
@@ -233,11 +234,11 @@ BLUR_INLINE void fillColumns(Work& work, const Kernels& kernels, int r) {
                   static_cast<std::ptrdiff_t>(r - keptRadius + t - work.wideRows.first) * work.keptWidth;
     addRows<keptTaps>(rows, kernels.kept.data(), work.finished.data(), work.keptWidth);
     float* out = filledRow(work, r);
-    const int firstGroup = floorDiv(work.columns.first, step);
-    const int groups = floorDiv(work.columns.end - 1, step) - firstGroup + 1;
+    const int firstGroup = floorDiv(work.columns.first, keptEvery);
+    const int groups = floorDiv(work.columns.end - 1, keptEvery) - firstGroup + 1;
     for (int g = 0; g < groups; ++g) {
         const float* around = work.finished.data() + g * channels;
-        for (int phase = 0; phase < step; ++phase) {
+        for (int phase = 0; phase < keptEvery; ++phase) {
             const float* weights = kernels.gap[static_cast<std::size_t>(phase)].data();
             Pixel sum = {};
             for (int t = 0; t < static_cast<int>(gapTaps); ++t) {
@@ -245,16 +246,16 @@ BLUR_INLINE void fillColumns(Work& work, const Kernels& kernels, int r) {
                 std::memcpy(&value, around + t * channels, sizeof value);
                 sum += value * weights[t];
             }
-            std::memcpy(out + (g * step + phase) * channels, &sum, sizeof sum);
+            std::memcpy(out + (g * keptEvery + phase) * channels, &sum, sizeof sum);
         }
     }
 }
 
 BLUR_INLINE void writeRow(Work& work, const Kernels& kernels, int y, std::uint8_t* out) {
-    const int group = floorDiv(y, step);
-    const float* weights = kernels.gap[static_cast<std::size_t>(y - group * step)].data();
+    const int group = floorDiv(y, keptEvery);
+    const float* weights = kernels.gap[static_cast<std::size_t>(y - group * keptEvery)].data();
     const float* rows[gapTaps];
-    const int offset = (work.columns.first - floorDiv(work.columns.first, step) * step) * channels;
+    const int offset = (work.columns.first - floorDiv(work.columns.first, keptEvery) * keptEvery) * channels;
     for (int t = 0; t < static_cast<int>(gapTaps); ++t)
         rows[t] = filledRow(work, group - gapRadius + t) + offset;
     const int count = work.columns.count() * channels;
@@ -283,7 +284,7 @@ BLUR_INLINE void run(Work& work, const Kernels& kernels, std::uint8_t* target, s
     keepSamples(work, kernels);
     int filled = work.keptRows.first;
     for (int y = work.rows.first; y < work.rows.end; ++y) {
-        for (; filled <= floorDiv(y, step) + gapRadius; ++filled)
+        for (; filled <= floorDiv(y, keptEvery) + gapRadius; ++filled)
             fillColumns(work, kernels, filled);
         writeRow(work, kernels, y, target + (y - work.rows.first) * bytesPerRow);
     }
@@ -316,3 +317,5 @@ void GaussianBlur::apply(const Area& area, std::uint8_t* target, std::ptrdiff_t 
 #endif
     runPlain(work, kernels, target, targetBytesPerRow);
 }
+
+#undef BLUR_INLINE

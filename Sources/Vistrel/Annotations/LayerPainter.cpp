@@ -40,6 +40,33 @@ bool isDot(const EditorAnnotation& annotation) {
     return annotation.tool != AnnotationTool::arrow && annotation.geometryBounds().size() == Size{};
 }
 
+/// Long strokes are painted piece by piece: the work per row of pixels grows with the square of what
+/// crosses it. Pieces meet without a seam, because each paints exactly its part of the whole.
+void strokeInPieces(const EditorAnnotation& annotation, QPainter& painter, const QPen& pen,
+                    const Rect& visible) {
+    constexpr double edgeOfPiece = 160;
+    const std::optional<Rect> area =
+        visible.intersection(annotation.geometryBounds().insetBy(-pen.widthF() / 2 - edge));
+    if (!area)
+        return;
+    const auto columns = static_cast<int>(std::ceil(area->width / edgeOfPiece));
+    const auto rows = static_cast<int>(std::ceil(area->height / edgeOfPiece));
+    for (int row = 0; row < rows; ++row) {
+        for (int column = 0; column < columns; ++column) {
+            const Point corner = {area->x + column * edgeOfPiece, area->y + row * edgeOfPiece};
+            const Rect piece = {corner.x, corner.y, std::min(edgeOfPiece, area->maxX() - corner.x),
+                                std::min(edgeOfPiece, area->maxY() - corner.y)};
+            const QPainterPath path = visiblePath(annotation, pen.widthF(), piece);
+            if (path.isEmpty())
+                continue;
+            painter.save();
+            painter.setClipRect(toQRectF(piece), Qt::IntersectClip);
+            painter.strokePath(path, pen);
+            painter.restore();
+        }
+    }
+}
+
 double deviceScale(const QPainter& painter) {
     return std::sqrt(std::abs(painter.deviceTransform().determinant()));
 }
@@ -63,7 +90,11 @@ void LayerPainter::stroke(const EditorAnnotation& annotation, QPainter& painter,
         painter.drawPoint(toQPointF(annotation.points.front()));
         return;
     }
-    painter.strokePath(visiblePath(annotation, pen.widthF(), visible), pen);
+    constexpr std::size_t longStroke = 256;
+    if (annotation.points.size() > longStroke)
+        strokeInPieces(annotation, painter, pen, visible);
+    else
+        painter.strokePath(visiblePath(annotation, pen.widthF(), visible), pen);
 }
 
 void LayerPainter::paint(const EditorAnnotation& annotation, QPainter& painter, const Rect& visible) {
