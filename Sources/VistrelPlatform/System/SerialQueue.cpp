@@ -9,7 +9,8 @@
 
 namespace {
 constexpr int longestThreadName = 15;
-constexpr int utilityNiceness = 10;
+// Not more: at the end the user does wait for the queue.
+constexpr int utilityNiceness = 3;
 } // namespace
 
 SerialQueue::SerialQueue(const QByteArray& name, Priority priority) {

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "VistrelPlatform/Result.h"
+
+#include <QByteArray>
+#include <QFuture>
+#include <QUuid>
+
+/// Delivers one encoded report. Main thread; the future finishes on it.
+class ReportSending {
+public:
+    ReportSending() = default;
+    ReportSending(const ReportSending&) = delete;
+    ReportSending& operator=(const ReportSending&) = delete;
+    virtual ~ReportSending() = default;
+
+    /// Succeeds only when the service confirmed this very report; otherwise mostly a `ReportUploadError`.
+    virtual QFuture<Result<void>> send(const QByteArray& report, const QUuid& reportID) = 0;
+};

@@ -1,0 +1,253 @@
+#include "Reports/HTTPSReportSender.h"
+#include "Reports/ReportReceipt.h"
+#include "Reports/ReportUploadError.h"
+#include "Support/TLSTestServer.h"
+#include "VistrelPlatform/System/ApplicationBundle.h"
+#include "VistrelPlatform/System/UuidText.h"
+
+#include <QDir>
+#include <QEventLoop>
+#include <QFile>
+#include <QFutureWatcher>
+#include <QTcpServer>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using Answer = TLSTestServer::Answer;
+
+const QUuid reportID(QStringLiteral("{0e984725-c51c-4bf4-9960-e1c80e27aba0}"));
+const QByteArray report = R"({"comment":"ü","schema":2})";
+
+QByteArray receipt(const QUuid& id = reportID, const char* accepted = "true") {
+    return "{\"accepted\":" + QByteArray(accepted) + ",\"reportID\":\"" + UuidText::upperCase(id).toLatin1() +
+           "\"}";
+}
+Answer respond(int status, const QByteArray& body, const QByteArray& headers = {}) {
+    return [=](QTcpSocket& socket, const TLSTestServer::Request&) {
+        TLSTestServer::respond(socket, status, body, headers);
+    };
+}
+
+std::optional<ReportUploadError> outcome(const QFuture<Result<void>>& future) {
+    if (!future.isFinished()) {
+        QEventLoop loop;
+        QFutureWatcher<Result<void>> watcher;
+        QObject::connect(&watcher, &QFutureWatcher<Result<void>>::finished, &loop, &QEventLoop::quit);
+        watcher.setFuture(future);
+        loop.exec();
+    }
+    const Result<void> result = future.result();
+    if (result)
+        return std::nullopt;
+    EXPECT_EQ(result.error(), reportUploadError(static_cast<ReportUploadError>(result.error().code)));
+    return static_cast<ReportUploadError>(result.error().code);
+}
+
+class HTTPSReportSenderTests : public ::testing::Test {
+protected:
+    const TestAuthority authority;
+    TLSTestServer server{authority.issue()};
+
+    HTTPSReportSender::Configuration configuration() const { return {.tls = authority.trust()}; }
+    HTTPSReportSender sender() const {
+        return HTTPSReportSender(server.url(QStringLiteral("/v1/reports")), configuration());
+    }
+    std::optional<ReportUploadError> send(const QByteArray& bytes = report) const {
+        HTTPSReportSender one = sender();
+        return outcome(one.send(bytes, reportID));
+    }
+};
+
+TEST_F(HTTPSReportSenderTests, postsTheBytesAndTellsNothingElse) {
+    server.answer = respond(200, receipt(), "Set-Cookie: id=1\r\n");
+    HTTPSReportSender twice = sender();
+    EXPECT_EQ(outcome(twice.send(report, reportID)), std::nullopt);
+    EXPECT_EQ(outcome(twice.send(report, reportID)), std::nullopt);
+    ASSERT_EQ(server.requests.size(), 2U);
+    for (const TLSTestServer::Request& request : server.requests) {
+        EXPECT_EQ(request.method, QByteArray("POST"));
+        EXPECT_EQ(request.path, QByteArray("/v1/reports"));
+        EXPECT_EQ(request.body, report);
+        QMap<QByteArray, QByteArray> headers = request.headers;
+        EXPECT_TRUE(headers.take("host").startsWith("127.0.0.1:"));
+        EXPECT_EQ(headers, (QMap<QByteArray, QByteArray>{
+                               {"content-type", "application/json"},
+                               {"content-length", QByteArray::number(report.size())},
+                               {"accept", "application/json"},
+                               {"accept-encoding", "identity"},
+                               {"accept-language", "*"},
+                               {"user-agent", "Vistrel"},
+                               {"connection", "Keep-Alive"},
+                           }));
+    }
+}
+
+struct AnswerCase {
+    const char* name;
+    Answer answer;
+    std::optional<ReportUploadError> expected;
+};
+
+TEST_F(HTTPSReportSenderTests, onlyAReceiptForThisReportIsDelivery) {
+    using enum ReportUploadError;
+    const AnswerCase rows[] = {
+        {"ok", respond(200, receipt()), std::nullopt},
+        {"created", respond(201, receipt()), std::nullopt},
+        {"lowerCaseIdentifier", respond(200, receipt().toLower().replace("reportid", "reportID")),
+         std::nullopt},
+        {"largestBody", respond(200, receipt().leftJustified(4096, ' ')), std::nullopt},
+        {"oneByteMore", respond(200, receipt().leftJustified(4097, ' ')), unavailable},
+        {"megabytes", respond(200, receipt().leftJustified(8 << 20, ' ')), unavailable},
+        {"anotherReport", respond(200, receipt(QUuid::createUuid())), unavailable},
+        {"notAccepted", respond(200, receipt(reportID, "false")), unavailable},
+        {"acceptedNoBoolean", respond(200, receipt(reportID, "1")), unavailable},
+        {"noReceipt", respond(200, "<html>Welcome</html>"), unavailable},
+        {"empty", respond(200, ""), unavailable},
+        {"acceptedOnly", respond(202, receipt()), unavailable},
+        {"noContent", respond(204, ""), unavailable},
+        {"redirect", respond(302, receipt(), "Location: /elsewhere\r\n"), unavailable},
+        {"redirectThatKeepsTheMethod", respond(307, receipt(), "Location: /elsewhere\r\n"), unavailable},
+        {"badRequest", respond(400, receipt()), unavailable},
+        {"unauthorized", respond(401, receipt(), "WWW-Authenticate: Basic realm=\"x\"\r\n"), unavailable},
+        {"tooLargeForTheService", respond(413, ""), unavailable},
+        {"tooMany", respond(429, ""), rateLimited},
+        {"tooManyWords", respond(429, QByteArray(100000, 'x')), rateLimited},
+        {"serverError", respond(500, receipt()), unavailable},
+        {"compressed", respond(200, receipt(), "Content-Encoding: gzip\r\n"), std::nullopt},
+    };
+    for (const AnswerCase& row : rows) {
+        SCOPED_TRACE(row.name);
+        server.requests.clear();
+        server.answer = row.answer;
+        EXPECT_EQ(send(), row.expected);
+        EXPECT_EQ(server.requests.size(), 1U) << "nothing is followed or repeated";
+    }
+}
+
+TEST_F(HTTPSReportSenderTests, aCutConnectionIsOffline) {
+    server.answer = [](QTcpSocket& socket, const auto&) {
+        socket.write("HTTP/1.1 200 OK\r\nContent-Length: 200\r\n\r\n{\"accepted\"");
+        socket.flush();
+        socket.disconnectFromHost();
+    };
+    EXPECT_EQ(send(), ReportUploadError::offline);
+    server.answer = [](QTcpSocket& socket, const auto&) { socket.abort(); };
+    EXPECT_EQ(send(), ReportUploadError::offline);
+    // What is no HTTP ends the connection, too.
+    server.answer = [](QTcpSocket& socket, const auto&) { socket.write("220 mail ready\r\n\r\n"); };
+    EXPECT_EQ(send(), ReportUploadError::offline);
+    const HTTPSReportSender::Configuration settings = configuration();
+    HTTPSReportSender refused(server.url(QStringLiteral("/v1/reports")), settings);
+    server.close();
+    EXPECT_EQ(outcome(refused.send(report, reportID)), ReportUploadError::offline);
+}
+
+TEST_F(HTTPSReportSenderTests, silenceEndsTheUploadAndSoDoesTrickling) {
+    HTTPSReportSender::Configuration impatient = configuration();
+    impatient.requestTimeoutMS = 200;
+    const QUrl url = server.url(QStringLiteral("/v1/reports"));
+    const Answer stall = [](QTcpSocket& socket, const auto&) {
+        socket.write("HTTP/1.1 200 OK\r\nContent-Length: 200\r\n\r\n{\"accepted\"");
+    };
+    server.answer = stall;
+    HTTPSReportSender stalled(url, impatient);
+    EXPECT_EQ(outcome(stalled.send(report, reportID)), ReportUploadError::unavailable);
+    server.answer = nullptr;
+    HTTPSReportSender silent(url, impatient);
+    EXPECT_EQ(outcome(silent.send(report, reportID)), ReportUploadError::unavailable);
+
+    // Never silent for long, never done.
+    HTTPSReportSender::Configuration bounded = configuration();
+    bounded.resourceTimeoutMS = 500;
+    server.answer = [stall](QTcpSocket& socket, const TLSTestServer::Request& request) {
+        stall(socket, request);
+        auto* timer = new QTimer(&socket);
+        QObject::connect(timer, &QTimer::timeout, &socket, [&socket] { socket.write(" "); });
+        timer->start(20);
+    };
+    HTTPSReportSender trickled(url, bounded);
+    EXPECT_EQ(outcome(trickled.send(report, reportID)), ReportUploadError::unavailable);
+}
+
+TEST_F(HTTPSReportSenderTests, aCertificateThatDoesNotHoldIsNeverTalkedTo) {
+    const TestAuthority foreign;
+    const std::pair<const char*, TestAuthority::Identity> rows[] = {
+        {"expired", authority.issue({.validFrom = -7200, .validUntil = -60})},
+        {"notYetValid", authority.issue({.validFrom = 3600, .validUntil = 7200})},
+        {"anotherHost", authority.issue({.names = "DNS:example.invalid"})},
+        {"foreignAuthority", foreign.issue()},
+    };
+    for (const auto& [name, identity] : rows) {
+        SCOPED_TRACE(name);
+        TLSTestServer impostor(identity);
+        impostor.answer = respond(200, receipt());
+        HTTPSReportSender one(impostor.url(QStringLiteral("/v1/reports")), configuration());
+        EXPECT_EQ(outcome(one.send(report, reportID)), ReportUploadError::unavailable);
+        EXPECT_TRUE(impostor.requests.empty());
+    }
+}
+
+TEST_F(HTTPSReportSenderTests, plainHTTPIsNeverSpoken) {
+    QTcpServer plain;
+    ASSERT_TRUE(plain.listen(QHostAddress::LocalHost));
+    const auto address = [&](const char* scheme) {
+        return QUrl(QStringLiteral("%1://127.0.0.1:%2/v1/reports")
+                        .arg(QLatin1StringView(scheme))
+                        .arg(plain.serverPort()));
+    };
+    for (const QUrl& url : {address("http"), address("ftp"), QUrl(QStringLiteral("/v1/reports")), QUrl()}) {
+        HTTPSReportSender one(url, configuration());
+        const QFuture<Result<void>> future = one.send(report, reportID);
+        EXPECT_TRUE(future.isFinished());
+        EXPECT_EQ(outcome(future), ReportUploadError::unavailable);
+    }
+    EXPECT_FALSE(plain.hasPendingConnections());
+    QObject::connect(&plain, &QTcpServer::newConnection, &plain, [&] {
+        plain.nextPendingConnection()->write("HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n");
+    });
+    HTTPSReportSender one(address("https"), configuration());
+    EXPECT_EQ(outcome(one.send(report, reportID)), ReportUploadError::unavailable);
+}
+
+TEST_F(HTTPSReportSenderTests, theLargestReportIsSentAndOneByteMoreIsNot) {
+    server.answer = respond(200, receipt());
+    EXPECT_EQ(send(QByteArray(1048577, 'x')), ReportUploadError::tooLarge);
+    EXPECT_TRUE(server.requests.empty());
+    const QByteArray largest(1048576, 'x');
+    EXPECT_EQ(send(largest), std::nullopt);
+    ASSERT_EQ(server.requests.size(), 1U);
+    EXPECT_EQ(server.requests.front().body, largest);
+}
+
+TEST_F(HTTPSReportSenderTests, aSenderThatGoesEndsItsUploads) {
+    auto one =
+        std::make_unique<HTTPSReportSender>(server.url(QStringLiteral("/v1/reports")), configuration());
+    const QFuture<Result<void>> future = one->send(report, reportID);
+    one.reset();
+    ASSERT_TRUE(future.isFinished());
+    EXPECT_TRUE(isCancelled(future.result().error()));
+}
+
+TEST(ReportEndpointTests, theInstalledProgramNamesTheService) {
+    const std::pair<const char*, const char*> rows[] = {
+        {"https://reports.example.invalid", "https://reports.example.invalid/v1/reports"},
+        {"https://reports.example.invalid/", "https://reports.example.invalid/v1/reports"},
+        {"https://example.invalid/x/v1/reports", "https://example.invalid/x/v1/reports"},
+        {"", ""},
+    };
+    for (const auto& [given, expected] : rows) {
+        QTemporaryDir root;
+        ASSERT_TRUE(QDir(root.path()).mkpath(QStringLiteral("share/vistrel")));
+        QFile file(root.filePath(QStringLiteral("share/vistrel/Info.json")));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("{\"VistrelReportURL\": \"" + QByteArray(given) + "\"}");
+        file.close();
+        const ApplicationBundle bundle(root.filePath(QStringLiteral("bin/vistrel")));
+        EXPECT_EQ(HTTPSReportSender::endpoint(bundle).toString().toStdString(), expected);
+    }
+}
+
+} // namespace

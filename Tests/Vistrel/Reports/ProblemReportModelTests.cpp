@@ -1,0 +1,354 @@
+#include "Reports/ProblemReportModel.h"
+#include "Reports/ReportUploadError.h"
+#include "VistrelPlatform/System/AtomicFile.h"
+#include "VistrelPlatform/System/FileUserDefaults.h"
+#include "VistrelPlatform/System/Files.h"
+#include "VistrelPlatform/System/UuidText.h"
+
+#include <QCoreApplication>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QPromise>
+#include <QRegularExpression>
+#include <QSet>
+#include <QSignalSpy>
+#include <QSysInfo>
+#include <QTemporaryDir>
+#include <QTimeZone>
+
+#include <cmath>
+#include <deque>
+#include <gtest/gtest.h>
+
+namespace {
+
+using Action = Diagnostic::Action;
+
+/// Answers when the test says so.
+class HeldSender : public ReportSending {
+public:
+    struct Upload {
+        QByteArray data;
+        QUuid id;
+        QPromise<Result<void>> promise;
+    };
+
+    QFuture<Result<void>> send(const QByteArray& report, const QUuid& reportID) override {
+        Upload& upload = uploads.emplace_back();
+        upload.data = report;
+        upload.id = reportID;
+        upload.promise.start();
+        return upload.promise.future();
+    }
+    void answer(const Result<void>& result) {
+        uploads.back().promise.addResult(result);
+        uploads.back().promise.finish();
+    }
+
+    std::deque<Upload> uploads;
+};
+
+class ProblemReportModelTests : public ::testing::Test {
+protected:
+    QTemporaryDir home;
+    FileUserDefaults defaults{home.filePath(QStringLiteral("defaults.json"))};
+    const QString folder = home.filePath(QStringLiteral("Diagnostics"));
+    LocalDiagnostics journal{defaults, {.directory = folder, .version = QStringLiteral("1.4.2")}};
+    EditorPreferences preferences{defaults};
+    HeldSender sender;
+    MachineFacts machine{QStringLiteral("12.0.0"), QStringLiteral("x86_64"), QStringLiteral("20XW0055GE"),
+                         false};
+    ProblemReportModel model{{.journal = journal,
+                              .preferences = preferences,
+                              .defaults = defaults,
+                              .sender = sender,
+                              .hasScreenAccess = [] { return true; },
+                              .displayCount = [] { return 2; },
+                              .machine = [this] { return machine; }}};
+
+    /// Presses the button and lets the journal answer until the sender was called `uploads` times.
+    void press(std::size_t uploads) {
+        model.send();
+        process([&] { return sender.uploads.size() >= uploads; });
+    }
+    void answer(const Result<void>& result) {
+        sender.answer(result);
+        process([&] { return !model.working(); });
+    }
+    void fail(ReportUploadError error) { answer(tl::unexpected(reportUploadError(error))); }
+    static void process(const std::function<bool()>& done) {
+        while (!done())
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 100);
+    }
+    QJsonObject document() const { return QJsonDocument::fromJson(sender.uploads.back().data).object(); }
+};
+
+TEST_F(ProblemReportModelTests, theDocumentIsCompactSortedAndComplete) {
+    Diagnostic::Details details;
+    details.tool = 9;
+    journal.record(Action::undo, details);
+    journal.record(Action::copyRequested);
+    journal.record(Action::undo);
+    preferences.setScalePercent(99.9);
+    preferences.setSaveFormat(ScreenshotSaveFormat::jpg);
+    model.setMessage(QStringLiteral("It’s \"broken\"\n"));
+    press(1);
+    const QByteArray bytes = sender.uploads.back().data;
+    const QJsonObject object = document();
+    EXPECT_EQ(QJsonDocument(object).toJson(QJsonDocument::Compact), bytes);
+    EXPECT_EQ(object.keys(), (QStringList{QStringLiteral("comment"), QStringLiteral("counts"),
+                                          QStringLiteral("createdAt"), QStringLiteral("environment"),
+                                          QStringLiteral("events"), QStringLiteral("installationID"),
+                                          QStringLiteral("reportID"), QStringLiteral("schema")}));
+    EXPECT_TRUE(bytes.startsWith(
+        "{\"comment\":\"It’s \\\"broken\\\"\\n\",\"counts\":{\"copyRequested\":1,\"undo\":2},"
+        "\"createdAt\":\"2"))
+        << bytes.constData();
+    EXPECT_TRUE(bytes.contains(
+        R"("environment":{"architecture":"x86_64","displayCount":2,"hardwareModel":"20XW0055GE",)"
+        R"("journalEnabled":true,"journalWriteFailed":false,"macOS":"12.0.0","panelPercent":99,)"
+        R"("reduceRetina":true,"saveFormat":"jpg","screenAccess":true,"translated":false,"version":"1.4.2"})"))
+        << bytes.constData();
+    EXPECT_EQ(object.value(QStringLiteral("schema")).toInt(), 2);
+    EXPECT_EQ(object.value(QStringLiteral("reportID")).toString(),
+              UuidText::upperCase(sender.uploads.back().id));
+    EXPECT_EQ(object.value(QStringLiteral("installationID")).toString(),
+              defaults.string(QStringLiteral("diagnosticReportInstallationID")));
+    EXPECT_TRUE(QRegularExpression(QStringLiteral("^\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\dZ$"))
+                    .match(object.value(QStringLiteral("createdAt")).toString())
+                    .hasMatch());
+    const QJsonArray events = object.value(QStringLiteral("events")).toArray();
+    ASSERT_EQ(events.size(), 3);
+    EXPECT_EQ(events.at(0).toObject().value(QStringLiteral("details")).toObject(),
+              (QJsonObject{{QStringLiteral("tool"), 9}}));
+}
+
+TEST_F(ProblemReportModelTests, onePressOneUploadOneConfirmation) {
+    QSignalSpy sent(&model, &ProblemReportModel::sentReportIDChanged);
+    model.send();
+    EXPECT_TRUE(model.working());
+    EXPECT_EQ(model.status(), QStringLiteral("Sending…"));
+    press(1);
+    press(1);
+    EXPECT_EQ(sender.uploads.size(), 1U);
+    answer({});
+    EXPECT_EQ(model.sentReportID(), sender.uploads.back().id);
+    EXPECT_EQ(model.status(),
+              QStringLiteral("Report sent. ID: ") + UuidText::lowerCase(sender.uploads.back().id));
+    EXPECT_FALSE(model.working());
+    EXPECT_GE(sent.count(), 1);
+
+    model.setMessage(QStringLiteral("afterwards"));
+    EXPECT_TRUE(model.status().startsWith(QStringLiteral("Report sent."))) << "the confirmation stays";
+    model.send();
+    EXPECT_FALSE(model.working());
+    EXPECT_EQ(sender.uploads.size(), 1U);
+}
+
+TEST_F(ProblemReportModelTests, aRetrySendsTheSameBytesAndAnEditANewReport) {
+    model.setMessage(QStringLiteral("first"));
+    press(1);
+    fail(ReportUploadError::offline);
+    EXPECT_FALSE(model.sentReportID());
+    model.setMessage(QStringLiteral("first"));
+    EXPECT_FALSE(model.status().isEmpty()) << "nothing was edited";
+    journal.record(Action::undo);
+    press(2);
+    EXPECT_EQ(sender.uploads[1].data, sender.uploads[0].data);
+    EXPECT_EQ(sender.uploads[1].id, sender.uploads[0].id);
+    fail(ReportUploadError::unavailable);
+
+    model.setMessage(QStringLiteral("second"));
+    EXPECT_EQ(model.status(), QString());
+    press(3);
+    EXPECT_NE(sender.uploads[2].id, sender.uploads[0].id);
+    EXPECT_EQ(document().value(QStringLiteral("comment")).toString(), QStringLiteral("second"));
+    EXPECT_EQ(
+        document().value(QStringLiteral("installationID")),
+        QJsonDocument::fromJson(sender.uploads[0].data).object().value(QStringLiteral("installationID")));
+}
+
+TEST_F(ProblemReportModelTests, anEditDuringTheUploadIsSentAtTheNextAttempt) {
+    model.setMessage(QStringLiteral("before"));
+    press(1);
+    model.setMessage(QStringLiteral("meanwhile"));
+    fail(ReportUploadError::offline);
+    press(2);
+    EXPECT_EQ(document().value(QStringLiteral("comment")).toString(), QStringLiteral("meanwhile"));
+    EXPECT_NE(sender.uploads[1].id, sender.uploads[0].id);
+}
+
+TEST_F(ProblemReportModelTests, anEditBeforeTheJournalAnsweredIsSentAtTheNextAttempt) {
+    model.setMessage(QStringLiteral("before"));
+    model.send();
+    model.setMessage(QStringLiteral("meanwhile"));
+    process([&] { return sender.uploads.size() == 1; });
+    EXPECT_EQ(document().value(QStringLiteral("comment")).toString(), QStringLiteral("before"));
+    fail(ReportUploadError::offline);
+    press(2);
+    EXPECT_EQ(document().value(QStringLiteral("comment")).toString(), QStringLiteral("meanwhile"));
+}
+
+TEST_F(ProblemReportModelTests, everyFailureHasItsWords) {
+    const std::pair<Error, QString> rows[] = {
+        {reportUploadError(ReportUploadError::offline),
+         QStringLiteral("You’re offline. Please try again when connected.")},
+        {reportUploadError(ReportUploadError::rateLimited),
+         QStringLiteral("Too many reports. Please try again later.")},
+        {reportUploadError(ReportUploadError::unavailable),
+         QStringLiteral("Couldn’t confirm delivery. Please try again.")},
+        {reportUploadError(ReportUploadError::tooLarge),
+         QStringLiteral(
+             "This report is too large to send. Please try again after clearing diagnostic history in "
+             "Appearance → Diagnostics.")},
+        {cancelledError(), QStringLiteral("Couldn’t confirm delivery. Please try again.")},
+    };
+    std::size_t uploads = 0;
+    for (const auto& [error, text] : rows) {
+        press(++uploads);
+        answer(tl::unexpected(error));
+        EXPECT_EQ(model.status(), text);
+    }
+}
+
+TEST_F(ProblemReportModelTests, theCommentIsCutAtFiveThousandScalars) {
+    const QString pair = QStringLiteral("𝄞"); // two code units
+    model.setMessage(pair.repeated(4999) + QString(1000, u'x'));
+    press(1);
+    EXPECT_EQ(document().value(QStringLiteral("comment")).toString(), pair.repeated(4999) + u'x');
+    EXPECT_EQ(ProblemReportModel::limitedComment(pair), pair);
+    EXPECT_EQ(ProblemReportModel::limitedComment(QString(5000, u'y') + u'z'), QString(5000, u'y'));
+    EXPECT_EQ(ProblemReportModel::limitedComment(QString(6000, QChar(0xD834))).size(), 5000);
+}
+
+TEST_F(ProblemReportModelTests, theInstallationIdentifierIsKeptOrMadeOnce) {
+    const QString key = QStringLiteral("diagnosticReportInstallationID");
+    const QString known = QStringLiteral("0e984725-c51c-4bf4-9960-e1c80e27aba0");
+    defaults.setString(key, known);
+    EXPECT_EQ(UuidText::lowerCase(ProblemReportModel::installationID(defaults)), known);
+    for (const char* malformed : {"", "no identifier", "{0e984725-c51c-4bf4-9960-e1c80e27aba0}"}) {
+        defaults.setString(key, QString::fromLatin1(malformed));
+        const QUuid made = ProblemReportModel::installationID(defaults);
+        EXPECT_NE(UuidText::lowerCase(made), known);
+        EXPECT_EQ(ProblemReportModel::installationID(defaults), made);
+        EXPECT_EQ(defaults.string(key), UuidText::upperCase(made));
+    }
+}
+
+TEST_F(ProblemReportModelTests, aTellingMachineNameIsLeftOut) {
+    const std::pair<const char*, bool> rows[] = {
+        {"Mac14,2", true}, {"20XW0055GE", true}, {"ThinkPad X1", false},
+        {"A-1", false},    {"Größe", false},     {"", false},
+    };
+    for (const auto& [name, kept] : rows)
+        EXPECT_EQ(ProblemReportModel::hardwareModel(QString::fromUtf8(name)).has_value(), kept) << name;
+    EXPECT_FALSE(ProblemReportModel::hardwareModel(QString(127, u'x')));
+    EXPECT_FALSE(ProblemReportModel::hardwareModel(std::nullopt));
+    machine.productName.reset();
+    press(1);
+    EXPECT_FALSE(
+        document().value(QStringLiteral("environment")).toObject().contains(QStringLiteral("hardwareModel")));
+}
+
+TEST_F(ProblemReportModelTests, aLongJournalIsCutAndCounted) {
+    QByteArray lines;
+    const QByteArray date = QDateTime::currentDateTimeUtc().toString(Qt::ISODate).toLatin1();
+    for (int index = 0; index < 2500; ++index)
+        lines += R"({"action":"undo","date":")" + date +
+                 R"(","details":{},"launch":"0E984725-C51C-4BF4-9960-E1C80E27ABA0","version":"1.0"})" + '\n';
+    ASSERT_TRUE(Files::createFolder(folder));
+    ASSERT_TRUE(writeAtomically(folder + QStringLiteral("/events.jsonl"), lines));
+    press(1);
+    EXPECT_EQ(document().value(QStringLiteral("events")).toArray().size(), 2000);
+    EXPECT_EQ(document().value(QStringLiteral("counts")).toObject(),
+              (QJsonObject{{QStringLiteral("undo"), 2000}}));
+}
+
+TEST_F(ProblemReportModelTests, aJournalThatIsOffLeavesEventsOut) {
+    journal.record(Action::undo);
+    journal.setEnabled(false);
+    press(1);
+    EXPECT_TRUE(document().value(QStringLiteral("events")).toArray().isEmpty());
+    EXPECT_TRUE(document().value(QStringLiteral("counts")).toObject().isEmpty());
+    EXPECT_FALSE(document()
+                     .value(QStringLiteral("environment"))
+                     .toObject()
+                     .value(QStringLiteral("journalEnabled"))
+                     .toBool(true));
+}
+
+TEST_F(ProblemReportModelTests, aModelThatIsGoneIsNotCalled) {
+    auto other = std::make_unique<ProblemReportModel>(ProblemReportModel::Services{.journal = journal,
+                                                                                   .preferences = preferences,
+                                                                                   .defaults = defaults,
+                                                                                   .sender = sender,
+                                                                                   .hasScreenAccess = {},
+                                                                                   .displayCount = {},
+                                                                                   .machine = {}});
+    other->send();
+    process([&] { return sender.uploads.size() == 1; });
+    other.reset();
+    sender.answer({});
+    QCoreApplication::processEvents();
+}
+
+TEST(ProblemReportTests, crashDataHasItsPlaceInTheDocument) {
+    ProblemReport report;
+    report.crash = ProblemReport::CrashSummary{.exception = QStringLiteral("E"),
+                                               .signal = std::nullopt,
+                                               .terminationNamespace = std::nullopt,
+                                               .terminationCode = 11,
+                                               .faultingThread = 0,
+                                               .frames = {{1, 4096}},
+                                               .images = {{1, QUuid()}}};
+    const Result<QByteArray> bytes = report.encoded();
+    ASSERT_TRUE(bytes);
+    EXPECT_TRUE(bytes->contains(
+        R"("crash":{"exception":"E","faultingThread":0,"frames":[{"imageIndex":1,"imageOffset":4096}],)"
+        R"("images":[{"index":1,"uuid":"00000000-0000-0000-0000-000000000000"}],"terminationCode":11})"))
+        << bytes->constData();
+}
+
+TEST(ProblemReportTests, anEventThatCannotBeWrittenFailsTheReport) {
+    ProblemReport report;
+    LocalDiagnostics::Event& event = report.events.emplace_back();
+    event.details.offsetMS = std::nan("");
+    EXPECT_FALSE(report.encoded());
+}
+
+TEST_F(ProblemReportModelTests, nothingOfAUsersWorkReachesTheJournalOrTheReport) {
+    const QString secret = QStringLiteral("Zebra7");
+    const QString path = home.path() + QStringLiteral("/Pictures/%1.png").arg(secret);
+    defaults.setString(QStringLiteral("lastFolder"), path);
+    machine.productName = secret + QStringLiteral("’s laptop");
+    journal.start();
+    // A failing save: what the system says about it names the file.
+    const Result<void> saved = writeAtomically(path, "x");
+    ASSERT_FALSE(saved);
+    const Error told{saved.error().domain, saved.error().code, path + u':' + saved.error().description};
+    journal.record(Action::textEditingStarted);
+    journal.record(Action::textCommitted);
+    journal.record(Action::saveFailed, LocalDiagnostics::error(told, Diagnostic::ErrorKind::encoding));
+    press(1);
+
+    const QByteArray bytes =
+        sender.uploads.back().data + Files::read(folder + QStringLiteral("/events.jsonl"), 1 << 20).value();
+    for (const QString& word : {secret, home.path(), QStringLiteral("Pictures"), QSysInfo::machineHostName(),
+                                QString::fromLocal8Bit(qgetenv("HOME"))})
+        EXPECT_TRUE(word.size() < 2 || !bytes.contains(word.toUtf8())) << word.toStdString();
+
+    // Not only these words: an event holds nothing but names of cases, numbers, dates and identifiers.
+    const QRegularExpression plain(QStringLiteral("^([A-Za-z_]+|[0-9TZ:-]{20}|[0-9A-F-]{36}|[0-9.]+)$"));
+    const QJsonArray events = document().value(QStringLiteral("events")).toArray();
+    EXPECT_EQ(events.size(), 4);
+    for (const QJsonValue& value : events) {
+        QJsonObject event = value.toObject();
+        const QJsonObject details = event.take(QStringLiteral("details")).toObject();
+        for (const QJsonObject& object : {event, details})
+            for (const QJsonValue& part : object)
+                EXPECT_TRUE(part.isDouble() || plain.match(part.toString()).hasMatch());
+    }
+}
+
+} // namespace

@@ -1,0 +1,71 @@
+#include "Reports/ReportDraftFiles.h"
+#include "Support/ScopedEnvironment.h"
+#include "VistrelPlatform/System/AtomicFile.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTimeZone>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+const QString identifier = QStringLiteral("0E984725-C51C-4BF4-9960-E1C80E27ABA0");
+constexpr qint64 present = 1772366400;
+constexpr qint64 week = 604800;
+
+QStringList entries(const QString& folder) {
+    return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
+                                  QDir::Name);
+}
+
+TEST(ReportDraftFilesTests, onlyDraftsOlderThanAWeekGo) {
+    const std::pair<QString, bool> rows[] = {
+        {QString::number(present - week - 86400) + u'-' + identifier, false},
+        {QString::number(present - week - 86400) + u'-' + identifier.toLower(), false},
+        {QStringLiteral("1000.5-") + identifier, false},
+        {QStringLiteral("1e3-") + identifier, false},
+        {QString::number(present - week) + u'-' + identifier, true},
+        {QString::number(present - 3600) + u'-' + identifier, true},
+        {QStringLiteral("1000-") + identifier + QStringLiteral(".json"), true},
+        {QStringLiteral("1000-notes"), true},
+        {QStringLiteral("-1000-") + identifier, true},
+        {QStringLiteral("nan-") + identifier, true},
+        {QStringLiteral("1e999-") + identifier, true},
+        {QStringLiteral(" 1000-") + identifier, true},
+        {QStringLiteral("0x10-") + identifier, true},
+        {identifier, true},
+        {QStringLiteral("notes.txt"), true},
+    };
+    QTemporaryDir folder;
+    QStringList kept;
+    for (const auto& [name, stays] : rows) {
+        ASSERT_TRUE(writeAtomically(folder.filePath(name), "x"));
+        if (stays)
+            kept.append(name);
+    }
+    const QDateTime now = QDateTime::fromSecsSinceEpoch(present, QTimeZone::utc());
+    ReportDraftFiles::prune(folder.path(), now);
+    QStringList left = entries(folder.path());
+    left.sort();
+    kept.sort();
+    EXPECT_EQ(left, kept);
+}
+
+TEST(ReportDraftFilesTests, aDraftFolderGoesWholeAndALinkGoesAlone) {
+    QTemporaryDir cache;
+    const ScopedEnvironment environment("XDG_CACHE_HOME", QFile::encodeName(cache.path()));
+    ReportDraftFiles::prune(); // nothing there yet
+    const QDir drafts(cache.filePath(QStringLiteral("Vistrel/ReportDrafts")));
+    const QString elsewhere = cache.filePath(QStringLiteral("precious"));
+    ASSERT_TRUE(QDir().mkpath(elsewhere));
+    ASSERT_TRUE(writeAtomically(elsewhere + QStringLiteral("/file"), "x"));
+    ASSERT_TRUE(drafts.mkpath(QStringLiteral("1000-") + identifier + QStringLiteral("/inner")));
+    ASSERT_TRUE(QFile::link(elsewhere, drafts.filePath(QStringLiteral("2000-") + identifier)));
+    ReportDraftFiles::prune();
+    EXPECT_EQ(entries(drafts.path()), QStringList());
+    EXPECT_TRUE(QFile::exists(elsewhere + QStringLiteral("/file")));
+}
+
+} // namespace
