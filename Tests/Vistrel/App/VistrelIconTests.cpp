@@ -1,0 +1,90 @@
+#include "App/VistrelIcon.h"
+
+#include <QDir>
+#include <QFile>
+#include <QPainter>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+QImage drawn(int side) {
+    QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    VistrelIcon::draw(painter, QRectF(0, 0, side, side), Qt::red);
+    return image;
+}
+
+struct Spot {
+    const char* name;
+    double x, y;
+    bool inked;
+};
+
+} // namespace
+
+TEST(VistrelIcon, EveryPartIsWhereItBelongs) {
+    const QImage image = drawn(1000);
+    for (const Spot& spot : {
+             Spot{"topLeftCorner", 0.01, 0.01, true},
+             Spot{"bottomRightCorner", 0.99, 0.99, true},
+             Spot{"bracketsArm", 0.27, 0.02, true},
+             Spot{"betweenArms", 0.5, 0.02, false},
+             Spot{"ringsLeft", 0.18, 0.5, true},
+             Spot{"ringsTop", 0.5, 0.18, true},
+             Spot{"insideRing", 0.5, 0.5, false},
+             Spot{"dotTopRight", 0.83, 0.17, true},
+             Spot{"noDotBelow", 0.83, 0.83, false},
+             Spot{"noDotLeft", 0.17, 0.17, false},
+         }) {
+        const QRgb pixel = image.pixel(static_cast<int>(spot.x * 1000), static_cast<int>(spot.y * 1000));
+        EXPECT_EQ(pixel, spot.inked ? qRgb(255, 0, 0) : 0U) << spot.name;
+    }
+}
+
+TEST(VistrelIcon, AWideImageHoldsTheGlyphInItsMiddle) {
+    const QImage image = VistrelIcon::image(QSizeF(32, 18), 2);
+    EXPECT_EQ(image.size(), QSize(64, 36));
+    QRect inked;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            if (qAlpha(image.pixel(x, y)) > 0)
+                inked |= QRect(x, y, 1, 1);
+        }
+    }
+    EXPECT_EQ(inked.left() - 14, 49 - inked.right());
+    EXPECT_GE(inked.left(), 14);
+    EXPECT_GT(inked.width(), 33);
+    EXPECT_EQ(VistrelIcon::icon().pixmap(QSize(22, 22), 1).size(), QSize(22, 22));
+}
+
+TEST(VistrelIcon, TheSetIsTenFilesOfTheStatedSizes) {
+    const QTemporaryDir folder;
+    const QDir directory(folder.filePath(QStringLiteral("a/Vistrel.iconset")));
+    ASSERT_TRUE(VistrelIcon::exportIconset(directory.path()));
+    ASSERT_TRUE(VistrelIcon::exportIconset(directory.path()));
+    EXPECT_EQ(directory.entryList(QDir::Files | QDir::Hidden).size(), 10);
+    for (const int size : {16, 32, 128, 256, 512}) {
+        for (const int scale : {1, 2}) {
+            const QImage image(directory.filePath(QStringLiteral("icon_%1x%1%2.png")
+                                                      .arg(size)
+                                                      .arg(scale == 2 ? QStringLiteral("@2x") : QString())));
+            EXPECT_EQ(image.size(), QSize(size, size) * scale);
+            EXPECT_EQ(image.pixel(0, 0), 0U);
+        }
+    }
+    const QImage largest(directory.filePath(QStringLiteral("icon_512x512@2x.png")));
+    EXPECT_EQ(largest.pixel(512, 100), QColor::fromRgbF(0.92F, 0.96F, 1.0F).rgba());
+    EXPECT_EQ(largest.pixel(258, 258), QColor::fromRgbF(0.1F, 0.34F, 0.82F).rgba());
+}
+
+TEST(VistrelIcon, AFileInTheWayIsAnError) {
+    const QTemporaryDir folder;
+    QFile file(folder.filePath(QStringLiteral("set")));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    const Result<void> outcome = VistrelIcon::exportIconset(file.fileName());
+    ASSERT_FALSE(outcome);
+    EXPECT_FALSE(outcome.error().description.isEmpty());
+}
