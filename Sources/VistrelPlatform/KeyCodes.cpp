@@ -18,7 +18,7 @@ struct KeyRow {
 };
 
 /// Ordered by stored number. Numbers that are missing belong to no key of a PC keyboard.
-constexpr KeyRow rows[] = {
+constexpr KeyRow keyRows[] = {
     {0, KEY_A},           {1, KEY_S},          {2, KEY_D},           {3, KEY_F},
     {4, KEY_H},           {5, KEY_G},          {6, KEY_Z},           {7, KEY_X},
     {8, KEY_C},           {9, KEY_V},          {10, KEY_102ND},      {11, KEY_B},
@@ -58,7 +58,7 @@ constexpr std::uint8_t noKey = 0xFF;
 constexpr std::array<std::uint8_t, lastScanCode + 1> makeKeysByScanCode() {
     std::array<std::uint8_t, lastScanCode + 1> keys{};
     keys.fill(noKey);
-    for (const KeyRow& row : rows)
+    for (const KeyRow& row : keyRows)
         keys[row.kernelCode + scanCodeOffset] = static_cast<std::uint8_t>(row.key);
     return keys;
 }
@@ -82,8 +82,8 @@ std::optional<quint32> scanCodeForKeyCode(KeyCode key) {
             return std::nullopt;
         return offset + scanCodeOffset;
     }
-    const auto* row = std::ranges::lower_bound(rows, key, {}, &KeyRow::key);
-    if (row == std::end(rows) || row->key != key)
+    const auto* row = std::ranges::lower_bound(keyRows, key, {}, &KeyRow::key);
+    if (row == std::end(keyRows) || row->key != key)
         return std::nullopt;
     return row->kernelCode + scanCodeOffset;
 }

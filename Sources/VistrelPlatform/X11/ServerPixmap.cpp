@@ -10,10 +10,6 @@ constexpr std::uint16_t level(unsigned eightBits) {
 }
 constexpr xcb_render_color_t haze{level(31), level(31), level(31), level(102)};
 
-std::uint16_t pixelCount(int count) {
-    return static_cast<std::uint16_t>(count);
-}
-
 } // namespace
 
 ServerPixmap::ServerPixmap(std::shared_ptr<X11Connection> server, PixelSize size)
@@ -22,8 +18,8 @@ ServerPixmap::ServerPixmap(std::shared_ptr<X11Connection> server, PixelSize size
       pixmap(xcb_generate_id(connection->get())),
       context(xcb_generate_id(connection->get())) {
     xcb_connection_t* xcb = connection->get();
-    xcb_create_pixmap(xcb, connection->depth(), pixmap, connection->root(), pixelCount(size.width),
-                      pixelCount(size.height));
+    xcb_create_pixmap(xcb, connection->depth(), pixmap, connection->root(), xcbLength(size.width),
+                      xcbLength(size.height));
     // Copies from the root include the windows on it and tell nothing about hidden parts.
     const std::uint32_t values[] = {XCB_SUBWINDOW_MODE_INCLUDE_INFERIORS, 0};
     xcb_create_gc(xcb, context, pixmap, XCB_GC_SUBWINDOW_MODE | XCB_GC_GRAPHICS_EXPOSURES, values);
@@ -44,20 +40,19 @@ ServerPixmap::~ServerPixmap() {
 }
 
 void ServerPixmap::copyFromRoot(QPoint origin) {
-    xcb_copy_area(connection->get(), connection->root(), pixmap, context,
-                  static_cast<std::int16_t>(origin.x()), static_cast<std::int16_t>(origin.y()), 0, 0,
-                  pixelCount(pixelSize.width), pixelCount(pixelSize.height));
+    xcb_copy_area(connection->get(), connection->root(), pixmap, context, xcbCoordinate(origin.x()),
+                  xcbCoordinate(origin.y()), 0, 0, xcbLength(pixelSize.width), xcbLength(pixelSize.height));
 }
 
 void ServerPixmap::copyFrom(const SharedSegment& segment) {
-    const std::uint16_t width = pixelCount(pixelSize.width);
-    const std::uint16_t height = pixelCount(pixelSize.height);
+    const std::uint16_t width = xcbLength(pixelSize.width);
+    const std::uint16_t height = xcbLength(pixelSize.height);
     xcb_shm_put_image(connection->get(), pixmap, context, width, height, 0, 0, width, height, 0, 0,
                       connection->depth(), XCB_IMAGE_FORMAT_Z_PIXMAP, 0, segment.id(), 0);
 }
 
 void ServerPixmap::dim() {
-    const xcb_rectangle_t all{0, 0, pixelCount(pixelSize.width), pixelCount(pixelSize.height)};
+    const xcb_rectangle_t all{0, 0, xcbLength(pixelSize.width), xcbLength(pixelSize.height)};
     xcb_render_fill_rectangles(connection->get(), XCB_RENDER_PICT_OP_OVER, renderPicture, haze, 1, &all);
 }
 

@@ -5,18 +5,6 @@
 
 #include <algorithm>
 
-namespace {
-
-std::int16_t coordinate(int value) {
-    return static_cast<std::int16_t>(value);
-}
-
-std::uint16_t length(int value) {
-    return static_cast<std::uint16_t>(value);
-}
-
-} // namespace
-
 WindowComposer::WindowComposer(std::shared_ptr<X11Connection> server)
     : connection(std::move(server)), rootPictureAtom(internAtom(connection->get(), "_XROOTPMAP_ID")) {}
 
@@ -57,7 +45,7 @@ xcb_xfixes_region_t WindowComposer::regionOf(const TopLevelWindow& window, QRect
     xcb_xfixes_create_region_from_window(xcb, region, window.id, XCB_SHAPE_SK_BOUNDING);
     // The shape counts from inside the border.
     const QPoint origin = window.rect.topLeft() + QPoint(window.border, window.border) - area.topLeft();
-    xcb_xfixes_translate_region(xcb, region, coordinate(origin.x()), coordinate(origin.y()));
+    xcb_xfixes_translate_region(xcb, region, xcbCoordinate(origin.x()), xcbCoordinate(origin.y()));
     return region;
 }
 
@@ -68,17 +56,17 @@ void WindowComposer::paintPixmap(const ServerPixmap& target, xcb_pixmap_t source
     const std::uint32_t repeat = XCB_RENDER_REPEAT_NORMAL;
     xcb_render_create_picture(xcb, picture, source, format, XCB_RENDER_CP_REPEAT, &repeat);
     xcb_render_composite(xcb, XCB_RENDER_PICT_OP_OVER, picture, XCB_NONE, target.picture(),
-                         coordinate(sourceOrigin.x()), coordinate(sourceOrigin.y()), 0, 0,
-                         coordinate(into.x()), coordinate(into.y()), length(into.width()),
-                         length(into.height()));
+                         xcbCoordinate(sourceOrigin.x()), xcbCoordinate(sourceOrigin.y()), 0, 0,
+                         xcbCoordinate(into.x()), xcbCoordinate(into.y()), xcbLength(into.width()),
+                         xcbLength(into.height()));
     xcb_render_free_picture(xcb, picture);
 }
 
 void WindowComposer::paintBackground(const ServerPixmap& target, QRect area, QRect covered) const {
     xcb_connection_t* xcb = connection->get();
     const QRect into = covered.translated(-area.topLeft());
-    const xcb_rectangle_t rectangle{coordinate(into.x()), coordinate(into.y()), length(into.width()),
-                                    length(into.height())};
+    const xcb_rectangle_t rectangle{xcbCoordinate(into.x()), xcbCoordinate(into.y()), xcbLength(into.width()),
+                                    xcbLength(into.height())};
     const xcb_render_color_t black{0, 0, 0, 0xFFFF};
     xcb_render_fill_rectangles(xcb, XCB_RENDER_PICT_OP_SRC, target.picture(), black, 1, &rectangle);
     const auto announced = xcbReply<xcb_get_property_reply>(
@@ -97,8 +85,8 @@ void WindowComposer::paintPlainBackground(const ServerPixmap& target, QRect area
     xcb_connection_t* xcb = connection->get();
     const xcb_window_t window = xcb_generate_id(xcb);
     const std::uint32_t values[] = {XCB_BACK_PIXMAP_PARENT_RELATIVE, 1};
-    xcb_create_window(xcb, XCB_COPY_FROM_PARENT, window, connection->root(), coordinate(covered.x()),
-                      coordinate(covered.y()), length(covered.width()), length(covered.height()), 0,
+    xcb_create_window(xcb, XCB_COPY_FROM_PARENT, window, connection->root(), xcbCoordinate(covered.x()),
+                      xcbCoordinate(covered.y()), xcbLength(covered.width()), xcbLength(covered.height()), 0,
                       XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
                       XCB_CW_BACK_PIXMAP | XCB_CW_OVERRIDE_REDIRECT, values);
     const std::uint32_t below = XCB_STACK_MODE_BELOW;

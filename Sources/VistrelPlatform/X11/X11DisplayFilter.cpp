@@ -8,14 +8,6 @@ namespace {
 
 constexpr std::uint32_t allPlanes = ~0U;
 
-std::int16_t coordinate(int value) {
-    return static_cast<std::int16_t>(value);
-}
-
-std::uint16_t length(int value) {
-    return static_cast<std::uint16_t>(value);
-}
-
 PixelSize sizeOf(QRect rect) {
     return {rect.width(), rect.height()};
 }
@@ -43,7 +35,11 @@ QImage wrapped(XcbOwned<xcb_get_image_reply_t> reply, PixelSize size) {
 
 X11DisplayFilter::X11DisplayFilter(std::shared_ptr<X11Connection> server, X11Monitor display,
                                    std::optional<TopLevelWindows::Client> own)
-    : connection(std::move(server)), monitor(display), windows(connection, own), composer(connection) {}
+    : connection(std::move(server)),
+      monitor(display),
+      besideToolkit(own.has_value()),
+      windows(connection, own),
+      composer(connection) {}
 
 Result<X11DisplayFilter::Segment> X11DisplayFilter::lendSegment() {
     const auto bytes =
@@ -61,8 +57,8 @@ std::shared_ptr<ServerPixmap> X11DisplayFilter::lendPixmap() {
 
 xcb_shm_get_image_cookie_t X11DisplayFilter::requestPixels(xcb_drawable_t source, QPoint origin,
                                                            const SharedSegment& segment) const {
-    return xcb_shm_get_image(connection->get(), source, coordinate(origin.x()), coordinate(origin.y()),
-                             length(monitor.rect.width()), length(monitor.rect.height()), allPlanes,
+    return xcb_shm_get_image(connection->get(), source, xcbCoordinate(origin.x()), xcbCoordinate(origin.y()),
+                             xcbLength(monitor.rect.width()), xcbLength(monitor.rect.height()), allPlanes,
                              XCB_IMAGE_FORMAT_Z_PIXMAP, segment.id(), 0);
 }
 
@@ -95,7 +91,8 @@ Result<CapturedImage> X11DisplayFilter::capture(PixelSize size) {
     const Result<Segment> segment = lendSegment();
     if (!segment)
         return tl::unexpected(segment.error());
-    awaitToolkit();
+    if (besideToolkit)
+        awaitToolkit();
 
     xcb_connection_t* xcb = connection->get();
     const auto monitorsCookie = requestMonitors(xcb);
@@ -147,9 +144,9 @@ Result<CapturedImage> X11DisplayFilter::captureOnce(const std::shared_ptr<X11Con
         origin = {};
     }
     auto reply = xcbResult<xcb_get_image_reply>(
-        xcb,
-        xcb_get_image(xcb, XCB_IMAGE_FORMAT_Z_PIXMAP, source, coordinate(origin.x()), coordinate(origin.y()),
-                      length(monitor.rect.width()), length(monitor.rect.height()), allPlanes));
+        xcb, xcb_get_image(xcb, XCB_IMAGE_FORMAT_Z_PIXMAP, source, xcbCoordinate(origin.x()),
+                           xcbCoordinate(origin.y()), xcbLength(monitor.rect.width()),
+                           xcbLength(monitor.rect.height()), allPlanes));
     if (!reply)
         return tl::unexpected(reply.error());
     const auto expected = static_cast<std::int64_t>(monitor.rect.width()) * monitor.rect.height() * 4;

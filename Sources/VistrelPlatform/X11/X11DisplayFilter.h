@@ -35,6 +35,8 @@ private:
 
     std::shared_ptr<X11Connection> connection;
     X11Monitor monitor;
+    /// The toolkit has windows on this server.
+    bool besideToolkit;
     TopLevelWindows windows;
     WindowComposer composer;
     ResourcePool<SharedSegment> segments;

@@ -2,6 +2,7 @@
 
 #include "VistrelPlatform/X11/WindowRedirection.h"
 
+#include <QApplication>
 #include <QCoreApplication>
 #include <QEvent>
 #include <QGuiApplication>
@@ -78,8 +79,8 @@ void X11OverlayWindows::prepare(QWidget& window, const Screen& screen) {
     window.winId();
     const xcb_window_t id = idOf(window);
     window.windowHandle()->setProperty(overlayWindowProperty, true);
+    window.windowHandle()->installEventFilter(this);
     if (!overlays.contains(&window)) {
-        window.installEventFilter(this);
         connect(&window, &QObject::destroyed, this, [this, key = &window] {
             overlays.erase(key);
             if (focusHolder == key)
@@ -128,7 +129,6 @@ void X11OverlayWindows::setFrozenPicture(QWidget& window, std::shared_ptr<Frozen
     auto& [widget, overlay] = *found;
     const auto previous =
         std::exchange(overlay.frozen, std::dynamic_pointer_cast<X11FrozenPicture>(std::move(picture)));
-    overlay.painted = false;
     setBackground(idOf(window), overlay);
     // The previous pixmap may be drawn into again as soon as it is let go.
     xcb_flush(connection);
@@ -140,7 +140,6 @@ void X11OverlayWindows::show(QWidget& window) {
     Overlay& overlay = found->second;
     const xcb_window_t id = idOf(window);
     overlay.shown = true;
-    overlay.painted = false;
     overlay.level = OverlayLevel::aboveEverything;
     forceGeometry(id, overlay);
     const std::uint32_t above = XCB_STACK_MODE_ABOVE;
@@ -188,14 +187,11 @@ void X11OverlayWindows::restoreStacking() {
 }
 
 bool X11OverlayWindows::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::Paint) {
-        auto* window = qobject_cast<QWidget*>(watched);
-        const auto found = overlays.find(window);
-        if (found != overlays.end() && found->second.shown && !found->second.painted) {
-            found->second.painted = true;
-            // After the paint has reached the server.
-            QTimer::singleShot(0, window, [this, window] { dropBackground(*window); });
-        }
+    if (event->type() == QEvent::Expose) {
+        // The toolkit paints while it handles this; afterwards the paint has reached the server.
+        for (const auto& row : overlays)
+            if (row.first->windowHandle() == watched && row.second.shown)
+                QTimer::singleShot(0, row.first, [this, window = row.first] { dropBackground(*window); });
     } else if (event->type() == QEvent::Show) {
         auto* dialog = qobject_cast<QWidget*>(watched);
         if (dialog && !overlays.contains(dialog))
@@ -211,7 +207,7 @@ void X11OverlayWindows::dropBackground(QWidget& window) {
     // From now on a part that another window uncovered keeps its old pixels until the toolkit paints them,
     // instead of flashing the dimmed picture.
     const auto found = overlays.find(&window);
-    if (found == overlays.end() || !found->second.painted)
+    if (found == overlays.end() || !found->second.shown || !window.windowHandle()->isExposed())
         return;
     const std::uint32_t none = XCB_BACK_PIXMAP_NONE;
     xcb_change_window_attributes(connection, idOf(window), XCB_CW_BACK_PIXMAP, &none);
@@ -224,6 +220,10 @@ void X11OverlayWindows::takeFocus(QWidget& window) {
     const xcb_window_t id = idOf(window);
     if (!setFocus(id, latestTime) || focusedWindow() != id)
         setFocus(id, XCB_CURRENT_TIME);
+    // The toolkit may still take a window it has hidden for the focused one: it would then not notice
+    // that the keyboard came back, and no widget in it would have the focus.
+    if (window.windowHandle() == QGuiApplication::focusWindow() && QApplication::activeWindow() != &window)
+        QApplication::setActiveWindow(&window);
 }
 
 bool X11OverlayWindows::setFocus(xcb_window_t id, xcb_timestamp_t time) const {

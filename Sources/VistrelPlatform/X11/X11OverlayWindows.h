@@ -38,8 +38,6 @@ private:
         std::shared_ptr<X11FrozenPicture> frozen;
         OverlayLevel level = OverlayLevel::aboveEverything;
         bool shown = false;
-        /// The toolkit has painted since the window was shown.
-        bool painted = false;
     };
 
     bool nativeEventFilter(const QByteArray& type, void* message, qintptr* result) override;

@@ -4,6 +4,7 @@
 
 #include <xcb/xcb.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <memory>
 #include <type_traits>
@@ -48,6 +49,14 @@ auto xcbReply(xcb_connection_t* connection, Cookie cookie) {
     XcbOwned<Reply> reply(function(connection, cookie, &raw));
     std::free(raw);
     return reply;
+}
+
+/// The protocol's 16-bit numbers. Screens are smaller than their range.
+inline std::int16_t xcbCoordinate(int value) {
+    return static_cast<std::int16_t>(value);
+}
+inline std::uint16_t xcbLength(int value) {
+    return static_cast<std::uint16_t>(value);
 }
 
 /// The connection of the toolkit; null when it does not run on X.

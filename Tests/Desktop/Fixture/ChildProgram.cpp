@@ -43,7 +43,7 @@ ChildProgram::ChildProgram(const Start& start)
         arguments.push_back(argument.toStdString());
     std::vector<std::string> environment;
     for (const auto& [name, value] : start.environment)
-        environment.push_back(name + "=" + value);
+        environment.push_back(std::string(name).append("=").append(value));
     const std::vector<char*> argumentPointers = pointers(arguments);
     const std::vector<char*> environmentPointers = pointers(environment);
     const int output = openForWriting(outputPath);

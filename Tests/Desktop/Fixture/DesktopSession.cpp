@@ -91,10 +91,14 @@ DesktopSession::DesktopSession(const Options& options) : variables(inheritedEnvi
         QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         variables[variable] = path.toStdString();
     }
-    variables["QT_QPA_PLATFORM"] = "xcb";
-    variables["XDG_SESSION_TYPE"] = "x11";
-    variables["LC_ALL"] = "C.UTF-8";
-    variables["NO_AT_BRIDGE"] = "1";
+    const std::pair<const char*, const char*> settings[] = {
+        {"QT_QPA_PLATFORM", "xcb"},
+        {"XDG_SESSION_TYPE", "x11"},
+        {"LC_ALL", "C.UTF-8"},
+        {"NO_AT_BRIDGE", "1"},
+    };
+    for (const auto& [variable, value] : settings)
+        variables.insert_or_assign(variable, std::string(value));
     if (!options.scaleFactors.isEmpty())
         variables["QT_SCREEN_SCALE_FACTORS"] = options.scaleFactors.toStdString();
 

@@ -42,6 +42,7 @@ int main(int argc, char** argv) {
     // A monitor's scale follows from its name, so that one program sees all of them.
     qputenv("QT_SCREEN_SCALE_FACTORS", "one=1;oneQuarter=1.25;oneHalf=1.5;two=2");
     qunsetenv("DBUS_SESSION_BUS_ADDRESS");
+    qputenv("XDG_RUNTIME_DIR", session.folder(QStringLiteral("runtime")).toUtf8());
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     QStandardPaths::setTestModeEnabled(true);
