@@ -27,6 +27,9 @@ void EditorPanel::setShape(std::vector<QRectF> rects, double cornerRadius) {
         return;
     pieces = std::move(rects);
     radius = cornerRadius;
+    // What the shape leaves out of the rectangle is the canvas's, pointer and all.
+    const QRegion covered = region();
+    setMask(covered == QRegion(rect()) ? QRegion() : covered);
     update();
 }
 

@@ -44,6 +44,9 @@ EditorSidebar::EditorSidebar(QWidget* parent)
     setObjectName(QStringLiteral("editorSidebar"));
     setAccessibleName(QStringLiteral("Editor"));
     setPalette(EditorColors::palette());
+    // Events beside the panels go on to the canvas below, moves included. A mask would do that too, but
+    // every change of it repaints the whole canvas.
+    setMouseTracking(true);
     buildTools();
     buildLayers();
 }
@@ -132,10 +135,6 @@ void EditorSidebar::place(const Frames& wanted) {
     layersPanel->setGeometry(DevicePixels::rounded(frames.layers));
     layoutTools();
     layoutLayers();
-    // The mask keeps the pointer for the canvas wherever there is no panel.
-    const QRegion covered = toolsPanel->region().translated(toolsPanel->pos()) +
-                            layersPanel->region().translated(layersPanel->pos());
-    setMask(covered.isEmpty() ? QRegion(-1, -1, 1, 1) : covered);
 }
 
 void EditorSidebar::layoutTools() {

@@ -298,6 +298,7 @@ TEST_F(EditorSidebarTests, pressesOutsideTheControlsReachTheCanvas) {
         EXPECT_EQ(canvas.presses, c.reachesCanvas ? 1 : 0) << c.name;
         EXPECT_EQ(sidebar.isOverPanel(c.place), c.overPanel) << c.name;
     }
+    EXPECT_EQ(sidebar.childAt(470, 410), nullptr) << "the empty cell shows the canvas's own pointer";
     sidebar.hide();
     EXPECT_FALSE(sidebar.isOverPanel({420, 410}));
 }
