@@ -1,6 +1,7 @@
 #include "Shortcuts/KeyPress.h"
 
 #include "VistrelPlatform/KeyCodes.h"
+#include "VistrelPlatform/KeyboardLayout.h"
 
 #include <QKeyEvent>
 
@@ -36,21 +37,6 @@ QString nameOfTypingKey(int key) {
     }
 }
 
-/// The stored numbers of the keys whose sign changes with Shift, with the one they type without.
-QString signOnUSKeyboard(KeyCode key) {
-    struct Sign {
-        KeyCode key;
-        char16_t sign;
-    };
-    static constexpr std::array signs = {
-        Sign{18, u'1'}, Sign{19, u'2'}, Sign{20, u'3'}, Sign{21, u'4'},  Sign{23, u'5'}, Sign{22, u'6'},
-        Sign{26, u'7'}, Sign{28, u'8'}, Sign{25, u'9'}, Sign{29, u'0'},  Sign{27, u'-'}, Sign{24, u'='},
-        Sign{33, u'['}, Sign{30, u']'}, Sign{41, u';'}, Sign{39, u'\''}, Sign{50, u'`'}, Sign{42, u'\\'},
-        Sign{43, u','}, Sign{47, u'.'}, Sign{44, u'/'}};
-    const auto found = std::ranges::find(signs, key, &Sign::key);
-    return found == signs.end() ? QString() : QString(QChar(found->sign));
-}
-
 /// What the key's own number says when nobody knows the layout: letters and digits are themselves.
 std::optional<QString> textOfKey(const QKeyEvent& press, KeyCode keyCode) {
     const int key = press.key();
@@ -60,7 +46,7 @@ std::optional<QString> textOfKey(const QKeyEvent& press, KeyCode keyCode) {
     const QString own = QString::fromUcs4(&character, 1);
     if (QChar::isLetterOrNumber(character) || !press.modifiers().testFlag(Qt::ShiftModifier))
         return own;
-    const QString sign = signOnUSKeyboard(keyCode);
+    const QString sign = USKeyboardLayout().textOf(keyCode);
     return sign.isEmpty() ? own : sign;
 }
 
