@@ -1,0 +1,178 @@
+#pragma once
+
+#include "App/AppController.h"
+#include "App/LaunchAtLoginService.h"
+#include "Updates/UpdateService.h"
+#include "VistrelPlatform/System/FileUserDefaults.h"
+
+#include <QStringList>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+#include <map>
+
+/// A controller on real services, with a window system, a desktop and windows that only write down what
+/// is asked of them.
+class AppControllerFixture {
+public:
+    class Registrar : public HotKeyBackend {
+    public:
+        HotKeyStatus registerHotKey(KeyCode key, ModifierMask, HotKeyId id) override {
+            if (refused.contains(key))
+                return hotKeyExists;
+            live[id] = key;
+            return hotKeyRegistered;
+        }
+        void unregisterHotKey(HotKeyId id) override { live.erase(id); }
+
+        QList<KeyCode> refused;
+        std::map<HotKeyId, KeyCode> live;
+    };
+    class Desktop : public SystemShortcuts {
+    public:
+        Result<std::vector<SystemShortcut>> read() const override { return table; }
+        Result<std::vector<SystemShortcut>> table;
+    };
+    class Login : public LoginItem {
+    public:
+        LoginItemStatus status() const override { return now; }
+        Result<void> enroll() override { return change(LoginItemStatus::enabled); }
+        Result<void> withdraw() override { return change(LoginItemStatus::notRegistered); }
+
+        LoginItemStatus now = LoginItemStatus::notRegistered;
+        std::optional<Error> fault;
+
+    private:
+        Result<void> change(LoginItemStatus wanted) {
+            if (fault)
+                return tl::unexpected(*fault);
+            now = wanted;
+            return {};
+        }
+    };
+    class Pages : public SettingsPages {
+    public:
+        bool open(SettingsPage page) override {
+            asked.push_back(page);
+            return exist;
+        }
+
+        std::vector<SettingsPage> asked;
+        bool exist = true;
+    };
+    struct Begun {
+        CaptureTime::Instant at;
+        std::shared_ptr<CaptureTiming> timing;
+    };
+
+    static inline const ScreenshotShortcut nine = ScreenshotShortcut::defaultShortcut();
+    static inline const ScreenshotShortcut four{21, 768, QStringLiteral("4")};
+    static inline const ScreenshotShortcut p{35, 768, QStringLiteral("P")};
+
+    /// A user who has been through the setup and may capture.
+    void completeSetup() {
+        defaults.setNumber(QStringLiteral("onboardingVersion"), 2);
+        granted = true;
+    }
+    void store(const ScreenshotShortcut& shortcut) {
+        defaults.setData(QStringLiteral("screenshotShortcuts"), ScreenshotShortcut::encodeList({shortcut}));
+    }
+
+    AppController& make(bool installed = false, const QStringList& arguments = {}) {
+        controller = std::make_unique<AppController>(services(installed, arguments));
+        const auto note = [this](const char* text) {
+            return [this, text] { log << QString::fromLatin1(text); };
+        };
+        controller->presentation = {.showSettings = note("showSettings"),
+                                    .hideSettings = note("hideSettings"),
+                                    .showSetup = note("showSetup"),
+                                    .hideSetup = note("hideSetup"),
+                                    .closeSetup =
+                                        [this] {
+                                            log << QStringLiteral("closeSetup");
+                                            controller->setupWindowWillClose();
+                                        },
+                                    .askToOpenLoginItems =
+                                        [this](const QString& description) {
+                                            log << QStringLiteral("ask: ") + description;
+                                            return opensLoginItems;
+                                        }};
+        return *controller;
+    }
+    AppController& launch(bool installed = false, const QStringList& arguments = {}) {
+        make(installed, arguments).applicationDidFinishLaunching();
+        return *controller;
+    }
+
+    std::vector<Diagnostic::Action> journalled() {
+        std::vector<Diagnostic::Action> actions;
+        for (const LocalDiagnostics::Event& event : journal.snapshot().result().events)
+            actions.push_back(event.action);
+        return actions;
+    }
+    /// The presentation's calls since the last look.
+    QStringList takeLog() { return std::exchange(log, {}); }
+
+    QTemporaryDir folder;
+    FileUserDefaults defaults{folder.filePath(QStringLiteral("defaults.json"))};
+    EditorPreferences preferences{defaults};
+    Registrar registrar;
+    Desktop desktop;
+    HotKeyService hotkeys{registrar, desktop};
+    UpdateService updates{UpdaterConfiguration{}, defaults};
+    LocalDiagnostics journal{
+        defaults, {folder.filePath(QStringLiteral("Journal")), QStringLiteral("development"), 524288, {}}};
+
+    Login loginItem;
+    bool opensLoginItems = false;
+    LaunchAtLoginService login{defaults, loginItem};
+
+    bool granted = false;
+    bool promptExists = false;
+    std::function<void(bool)> promptAnswer;
+    bool busy = false;
+    std::vector<Begun> begun;
+    std::function<void()> onNeedsPermission;
+    Pages pages;
+    QStringList log;
+    std::unique_ptr<AppController> controller;
+
+private:
+    CaptureSession session() {
+        CaptureSession session;
+        session.begin = [this](CaptureTime::Instant at, std::shared_ptr<CaptureTiming> timing) {
+            begun.push_back({at, std::move(timing)});
+        };
+        session.close = [this] { log << QStringLiteral("close"); };
+        session.prepareOverlays = [this] { log << QStringLiteral("prepare"); };
+        session.beginPreview = [this] { log << QStringLiteral("preview"); };
+        session.busy = [this] { return busy; };
+        return session;
+    }
+
+    AppController::Services services(bool installed, const QStringList& arguments) {
+        ScreenAccessRequest access{[this] { return granted; }, {}};
+        if (promptExists)
+            access.prompt = [this](std::function<void(bool)> answer) {
+                log << QStringLiteral("prompt");
+                promptAnswer = std::move(answer);
+            };
+        return {.preferences = preferences,
+                .defaults = defaults,
+                .hotkeys = hotkeys,
+                .launchAtLogin = login,
+                .updates = updates,
+                .diagnostics = journal,
+                .settingsPages = pages,
+                .screenAccess = std::move(access),
+                .makeCaptureSession =
+                    [this](std::function<void()> needsPermission) {
+                        onNeedsPermission = std::move(needsPermission);
+                        return session();
+                    },
+                .pruneReportDrafts = {},
+                .terminate = [this] { log << QStringLiteral("terminate"); },
+                .installed = installed,
+                .arguments = arguments};
+    }
+};
