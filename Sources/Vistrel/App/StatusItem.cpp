@@ -1,0 +1,197 @@
+#include "App/StatusItem.h"
+
+#include "App/VistrelIcon.h"
+#include "Editor/EditorIcons.h"
+
+#include <QEvent>
+#include <QGuiApplication>
+#include <QPalette>
+#include <QScreen>
+#include <QTimer>
+
+namespace {
+
+constexpr double menuIconSize = 18;
+/// Panels show the item some time after it was offered.
+constexpr int settlingTimeMS = 400;
+constexpr int darkLuminance = 128;
+
+QColor textColor() {
+    return QGuiApplication::palette().color(QPalette::WindowText);
+}
+
+QIcon menuIcon(const QString& name, const QString& symbol) {
+    QIcon icon;
+    for (const double ratio : {1.0, 2.0}) {
+        if (const auto image = EditorIcons::image(name, symbol, menuIconSize, ratio))
+            icon.addPixmap(image->pixmap(textColor(), ratio));
+    }
+    return icon;
+}
+
+/// A check mark's third state, which menus have no way to show: a dash where the icon stands.
+QIcon mixedIcon() {
+    QIcon icon;
+    for (const double ratio : {1.0, 2.0}) {
+        QPixmap pixmap(QSize(18, 18) * ratio);
+        pixmap.setDevicePixelRatio(ratio);
+        pixmap.fill(Qt::transparent);
+        QPainter(&pixmap).fillRect(QRectF(4, 8, 10, 2), textColor());
+        icon.addPixmap(pixmap);
+    }
+    return icon;
+}
+
+QString escaped(QString title) {
+    return title.replace(u'&', QStringLiteral("&&"));
+}
+
+void apply(const StatusMenu::Item& item, QAction& action) {
+    if (item.isSeparator()) {
+        action.setSeparator(true);
+        return;
+    }
+    action.setText(escaped(item.title));
+    action.setEnabled(item.enabled);
+    if (!item.keyEquivalent.isEmpty())
+        action.setShortcut(QKeySequence(QStringLiteral("Ctrl+") + item.keyEquivalent.toUpper()));
+    action.setCheckable(item.check != StatusMenu::Check::notCheckable);
+    action.setChecked(item.check == StatusMenu::Check::on);
+    if (item.check == StatusMenu::Check::mixed)
+        action.setIcon(mixedIcon());
+    else if (!item.icon.isEmpty())
+        action.setIcon(menuIcon(item.icon, item.symbol));
+}
+
+/// The brightness that most of the panel around the icon has; absent where the panel cannot be seen.
+std::optional<int> panelLuminance(const QRect& icon) {
+    if (icon.isEmpty())
+        return std::nullopt;
+    QScreen* screen = QGuiApplication::screenAt(icon.center());
+    if (!screen)
+        return std::nullopt;
+    const QRect around = icon.adjusted(-2, -2, 2, 2).translated(-screen->geometry().topLeft());
+    const QImage image =
+        screen->grabWindow(0, around.x(), around.y(), around.width(), around.height()).toImage();
+    std::vector<int> levels;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            levels.push_back(qGray(image.pixel(x, y)));
+    }
+    if (levels.empty())
+        return std::nullopt;
+    const auto middle = levels.begin() + static_cast<std::ptrdiff_t>(levels.size() / 2);
+    std::nth_element(levels.begin(), middle, levels.end());
+    return *middle;
+}
+
+} // namespace
+
+StatusItem::StatusItem(AppController& owner, std::vector<TrayHost*> possibleHosts, QObject* parent)
+    : QObject(parent), controller(owner), hosts(std::move(possibleHosts)) {
+    menu.setObjectName(QStringLiteral("statusMenu"));
+    menu.setAccessibleName(QStringLiteral("Vistrel"));
+    connect(&owner, &AppController::statusMenuChanged, this, &StatusItem::updateMenu);
+    connect(&menu, &QMenu::aboutToShow, &owner, &AppController::refreshMenu);
+    // The click that closes the menu must not capture as well.
+    connect(&menu, &QMenu::aboutToHide, this, [this] {
+        menuJustClosed = true;
+        QTimer::singleShot(0, this, [this] { menuJustClosed = false; });
+    });
+    for (TrayHost* host : hosts)
+        connect(host, &TrayHost::changed, this, &StatusItem::appearWhenPossible);
+    menu.installEventFilter(this);
+    appearWhenPossible();
+}
+
+StatusItem::~StatusItem() = default;
+
+bool StatusItem::isReachable() const {
+    return std::any_of(hosts.begin(), hosts.end(), [](const TrayHost* host) { return host->isPresent(); });
+}
+
+void StatusItem::appearWhenPossible() {
+    if (!isReachable())
+        return;
+    if (!tray) {
+        // Not earlier: the toolkit decides for good, with the first item, how items are shown.
+        rebuildMenu();
+        tray = std::make_unique<QSystemTrayIcon>();
+        tray->setToolTip(QStringLiteral("Click to capture. Right-click for menu."));
+        tray->setContextMenu(&menu);
+        connect(tray.get(), &QSystemTrayIcon::activated, this, &StatusItem::activate);
+        updateIcon();
+        tray->show();
+    }
+    QTimer::singleShot(settlingTimeMS, this, &StatusItem::updateIcon);
+}
+
+void StatusItem::activate(QSystemTrayIcon::ActivationReason reason) {
+    if (reason != QSystemTrayIcon::Trigger)
+        return;
+    controller.refreshMenu();
+    if (!menu.isVisible() && !menuJustClosed)
+        controller.captureNow();
+}
+
+void StatusItem::updateMenu() {
+    if (!tray || shown == controller.statusMenu())
+        return;
+    const std::vector<StatusMenu::Item>& items = controller.statusMenu();
+    const QList<QAction*> actions = menu.actions();
+    const bool sameCommands =
+        std::equal(items.begin(), items.end(), shown.begin(), shown.end(),
+                   [](const auto& left, const auto& right) { return left.command == right.command; });
+    if (!sameCommands)
+        return rebuildMenu();
+    // The menu may be open: what is there stays where it is.
+    for (std::size_t index = 0; index < items.size(); ++index)
+        apply(items[index], *actions[static_cast<qsizetype>(index)]);
+    shown = items;
+}
+
+void StatusItem::rebuildMenu() {
+    menu.clear();
+    shown = controller.statusMenu();
+    for (const StatusMenu::Item& item : shown) {
+        QAction* action = menu.addAction(QString());
+        apply(item, *action);
+        // Later: the command may build this menu anew.
+        connect(
+            action, &QAction::triggered, this,
+            [this, command = item.command] {
+                controller.perform(command);
+                correctChecks();
+            },
+            Qt::QueuedConnection);
+    }
+}
+
+void StatusItem::correctChecks() {
+    // A click turns the mark over by itself, whatever came of the command.
+    const QList<QAction*> actions = menu.actions();
+    for (std::size_t index = 0; index < shown.size(); ++index)
+        actions[static_cast<qsizetype>(index)]->setChecked(shown[index].check == StatusMenu::Check::on);
+}
+
+void StatusItem::updateIcon() {
+    if (!tray)
+        return;
+    const auto luminance = panelLuminance(tray->geometry());
+    const QColor fallback = textColor();
+    const QColor color =
+        luminance ? (*luminance < darkLuminance ? QColor(Qt::white) : QColor(Qt::black)) : fallback;
+    QIcon icon = VistrelIcon::icon(color);
+    if (hosts.front()->isPresent())
+        icon = QIcon::fromTheme(QStringLiteral("com.orvane.Vistrel-symbolic"), icon);
+    tray->setIcon(icon);
+}
+
+bool StatusItem::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == &menu && event->type() == QEvent::PaletteChange) {
+        if (tray)
+            rebuildMenu();
+        updateIcon();
+    }
+    return QObject::eventFilter(watched, event);
+}
