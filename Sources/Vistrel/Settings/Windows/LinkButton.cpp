@@ -1,0 +1,33 @@
+#include "Settings/Windows/LinkButton.h"
+
+#include "Settings/Windows/PageView.h"
+
+#include <QStyleOptionFocusRect>
+#include <QStylePainter>
+
+LinkButton::LinkButton(const QString& text, const QString& objectName, QWidget* parent)
+    : QPushButton(text, parent) {
+    setObjectName(objectName);
+    setAccessibleName(text);
+    setFlat(true);
+    setCursor(Qt::PointingHandCursor);
+    setAttribute(Qt::WA_Hover);
+}
+
+QSize LinkButton::sizeHint() const {
+    return makeRoom(*this, text());
+}
+
+void LinkButton::paintEvent(QPaintEvent*) {
+    QStylePainter painter(this);
+    QFont shown = font();
+    shown.setUnderline(underMouse() || hasFocus());
+    painter.setFont(shown);
+    painter.setPen(PageStyle::accentColor(palette()));
+    painter.drawText(rect(), Qt::AlignCenter | Qt::TextHideMnemonic, text());
+    if (!hasFocus())
+        return;
+    QStyleOptionFocusRect focus;
+    focus.initFrom(this);
+    painter.drawPrimitive(QStyle::PE_FrameFocusRect, focus);
+}
