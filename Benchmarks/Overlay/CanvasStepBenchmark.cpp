@@ -1,5 +1,5 @@
 // One pointer step on a 4K canvas, from the event to the flushed paint. Runs on whatever platform
-// QT_QPA_PLATFORM names; the display's scale is 1.
+// QT_QPA_PLATFORM names, at the scale that QT_SCALE_FACTOR names. Places are device pixels.
 
 #include "Overlay/CaptureOverlayWindow.h"
 #include "Overlay/OverlayEditor.h"
@@ -46,9 +46,8 @@ class Canvas {
 public:
     Canvas() {
         static const QImage picture = desktop();
-        window.view().resetSession({.image = picture, .presentation = picture, .frozen = nullptr}, 1,
-                                   {width, height});
-        window.setGeometry(0, 0, width, height);
+        window.view().resetSession({.image = picture, .presentation = picture, .frozen = nullptr}, scale,
+                                   {width / scale, height / scale});
         window.show();
         settle();
     }
@@ -75,17 +74,21 @@ public:
 private:
     void send(QEvent::Type type, QPoint p) {
         const bool held = type != QEvent::MouseButtonRelease;
-        QMouseEvent event(type, p, p, type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton,
+        const QPointF points = QPointF(p) / scale;
+        QMouseEvent event(type, points, points, type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton,
                           held ? Qt::LeftButton : Qt::NoButton, {});
         QApplication::sendEvent(&window.view(), &event);
     }
 
+    double scale = qApp->devicePixelRatio();
     NoDefaults defaults;
     EditorPreferences preferences{defaults};
-    CaptureOverlayWindow window{
-        {.name = QStringLiteral("bench"), .displayID = 1, .nativeRect = {0, 0, width, height}, .scale = 1},
-        preferences,
-        Qt::X11BypassWindowManagerHint};
+    CaptureOverlayWindow window{{.name = QStringLiteral("bench"),
+                                 .displayID = 1,
+                                 .nativeRect = {0, 0, width, height},
+                                 .scale = scale},
+                                preferences,
+                                Qt::X11BypassWindowManagerHint};
 };
 
 /// The pointer's way around a centre: `stride` pixels per step.
@@ -163,6 +166,7 @@ void moveLayerOverStrokes(benchmark::State& state) {
     canvas.drag({1800, 1000}, {2000, 1200});
     canvas.key(Qt::Key_V, QStringLiteral("v"));
     canvas.press({1800, 1100});
+    canvas.settle();
     steps(state, canvas, {1800, 1100}, 200, 12);
     canvas.release({1800, 1100});
 }

@@ -5,6 +5,34 @@
 #include <QPainter>
 #include <QPainterPath>
 
+namespace {
+
+long area(const QRect& rect) {
+    return static_cast<long>(rect.width()) * rect.height();
+}
+
+/// A few rectangles that cover the region with little more than it: what lies far apart stays apart, so
+/// that the strips of a frame do not make everything inside it be painted.
+std::vector<QRect> pieces(const QRegion& region) {
+    constexpr long worthAnotherPass = 4096;
+    std::vector<QRect> result;
+    for (QRect rect : region) {
+        const auto joins = [&](const QRect& piece) {
+            return area(piece.united(rect)) <= area(piece) + area(rect) + worthAnotherPass;
+        };
+        // A joined piece may reach others in turn.
+        for (auto near = std::ranges::find_if(result, joins); near != result.end();
+             near = std::ranges::find_if(result, joins)) {
+            rect = rect.united(*near);
+            result.erase(near);
+        }
+        result.push_back(rect);
+    }
+    return result;
+}
+
+} // namespace
+
 CanvasPainter::CanvasPainter(QPainter& canvasPainter, const QRegion& damaged)
     : painter(canvasPainter), region(damaged) {}
 
@@ -46,13 +74,16 @@ void CanvasPainter::paintPicture(const Picture& picture) {
 
 void CanvasPainter::paintLayers(const OverlayDocument& document, AnnotationRenderer& renderer,
                                 const Picture& picture) {
-    if (document.state.annotations.empty() || !region.intersects(picture.layout.selection))
+    if (document.state.annotations.empty())
         return;
-    painter.save();
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setTransform(picture.space.viewToPixels(), true);
-    OverlayExport::drawLayers(document, renderer, painter);
-    painter.restore();
+    for (const QRect& piece : pieces(region & picture.layout.selection)) {
+        painter.save();
+        painter.setClipRect(piece);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setTransform(picture.space.viewToPixels(), true);
+        OverlayExport::drawLayers(document, renderer, painter);
+        painter.restore();
+    }
 }
 
 void CanvasPainter::paintDecorations(const Picture& picture, const BadgeText& badgeText,

@@ -292,7 +292,8 @@ void CaptureOverlayView::refreshCanvasCursor(QPointF position) {
     if (!hasImage() || !isVisible())
         return;
     // While a gesture runs, the pointer may be anywhere and still belongs to it.
-    if (!editor->session.document.drag && (!QRectF(rect()).contains(position) || childAt(position.toPoint())))
+    const bool isGesture = editor->session.document.drag.has_value();
+    if (!isGesture && !QRectF(rect()).contains(position))
         return;
     const CanvasCursor next = CanvasCursor::at(viewPoint(position), editor->session.document,
                                                canvas->panels && canvas->panels->isOver(position));

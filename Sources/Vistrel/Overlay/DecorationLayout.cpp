@@ -42,6 +42,13 @@ QString sizeText(const OverlayDocument& document) {
     return QStringLiteral("%1 × %2 px").arg(std::lround(exported.width)).arg(std::lround(exported.height));
 }
 
+QRegion united(const std::vector<QRect>& rects) {
+    QRegion region;
+    for (const QRect& rect : rects)
+        region += rect;
+    return region;
+}
+
 } // namespace
 
 DecorationLayout DecorationLayout::of(const OverlayDocument& document, const CanvasSpace& space,
@@ -100,23 +107,16 @@ QRegion DecorationLayout::strips(const QRect& around) const {
     return QRegion(outer) - QRegion(around.adjusted(inside, inside, -inside, -inside));
 }
 
-QRegion DecorationLayout::handleRegion() const {
-    QRegion region;
-    for (const QRect& handle : handles)
-        region += handle;
-    for (const QRect& handle : layerHandles)
-        region += handle;
-    return region;
-}
-
 QRegion DecorationLayout::difference(const DecorationLayout& before, const DecorationLayout& after) {
     QRegion changed;
     if (before.selection != after.selection) {
         changed += QRegion(before.selection) ^ QRegion(after.selection);
         changed += before.frameRegion() + after.frameRegion();
     }
-    if (before.handles != after.handles || before.layerHandles != after.layerHandles)
-        changed += before.handleRegion() + after.handleRegion();
+    if (before.handles != after.handles)
+        changed += united(before.handles) + united(after.handles);
+    if (before.layerHandles != after.layerHandles)
+        changed += united(before.layerHandles) + united(after.layerHandles);
     if (before.layerFrame != after.layerFrame)
         changed += before.layerFrameRegion() + after.layerFrameRegion();
     if (before.badge != after.badge)

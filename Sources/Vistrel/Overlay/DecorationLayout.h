@@ -38,6 +38,5 @@ struct DecorationLayout {
 
 private:
     QRegion strips(const QRect& around) const;
-    QRegion handleRegion() const;
     QRegion badgeRegion() const { return badge ? QRegion(badge->frame) : QRegion(); }
 };

@@ -30,8 +30,6 @@ OverlayPanels::OverlayPanels(QWidget& canvasWidget, OverlayEditor& overlayEditor
       editor(overlayEditor),
       sidebar(new EditorSidebar(&canvas)),
       actionBar(new EditorActionBar(&canvas)) {
-    sidebar->setCursor(Qt::ArrowCursor);
-    actionBar->setCursor(Qt::ArrowCursor);
     LayerCommands& layers = editor.layers;
     sidebar->onTool = [&layers](AnnotationTool tool) { layers.selectTool(tool); };
     sidebar->onSelect = [&layers](const QUuid& id) { layers.selectAnnotation(id); };
