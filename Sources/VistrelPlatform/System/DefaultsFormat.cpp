@@ -15,7 +15,7 @@ namespace {
 
 /// Far beyond what the choices ever need.
 constexpr qint64 largestFile = 4 << 20;
-constexpr int nameAttempts = 100;
+constexpr int asideAttempts = 100;
 const QString dataKey = QStringLiteral("data");
 
 std::optional<QJsonObject> parse(const QByteArray& bytes) {
@@ -29,7 +29,7 @@ std::optional<QJsonObject> parse(const QByteArray& bytes) {
 bool moveAside(const QString& path) {
     const QString base = path + QStringLiteral(".unreadable-") +
                          QDateTime::currentDateTimeUtc().toString(QStringLiteral("yyyyMMdd'T'HHmmss'Z'"));
-    for (int attempt = 1; attempt <= nameAttempts; ++attempt) {
+    for (int attempt = 1; attempt <= asideAttempts; ++attempt) {
         const QString target = attempt == 1 ? base : base + u'-' + QString::number(attempt);
         if (QFile::exists(target))
             continue;

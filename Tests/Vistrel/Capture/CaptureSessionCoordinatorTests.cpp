@@ -1,0 +1,278 @@
+#include "Capture/CaptureError.h"
+#include "Capture/CaptureSessionCoordinator.h"
+
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QMessageBox>
+#include <QPromise>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include "Overlay/CaptureOverlayWindow.h"
+#include "VistrelPlatform/System/FileUserDefaults.h"
+
+#include <QApplication>
+
+namespace {
+
+class FixedScreens : public ScreenList {
+public:
+    std::vector<Screen> screens() const override { return list; }
+    QPoint pointerPosition() const override { return pointer; }
+    QScreen* toolkitScreen(const Screen&) const override { return nullptr; }
+
+    std::vector<Screen> list = {{QStringLiteral("L"), 1, {0, 0, 320, 240}, 1},
+                                {QStringLiteral("R"), 2, {320, 0, 320, 240}, 1}};
+    QPoint pointer{400, 100};
+};
+
+/// Widgets on the offscreen platform; the focused one is the one that asked last.
+class PlainOverlayWindows : public OverlayWindows {
+public:
+    Qt::WindowFlags windowFlags() const override { return Qt::FramelessWindowHint; }
+    void prepare(QWidget& window, const Screen& screen) override { window.setGeometry(screen.nativeRect); }
+    void setFrozenPicture(QWidget&, std::shared_ptr<FrozenPicture>) override {}
+    void show(QWidget& window) override {
+        window.show();
+        shown.push_back(&window);
+    }
+    void hide(QWidget& window) override { window.hide(); }
+    void setLevel(QWidget&, OverlayLevel level) override { lastLevel = level; }
+    void takeFocus(QWidget& window) override {
+        focused = &window;
+        window.activateWindow();
+    }
+    bool hasKeyboardFocus(const QWidget& window) const override { return focused == &window && confirms; }
+    void prepareDialog(QWidget&) override {}
+
+    std::vector<QWidget*> shown;
+    QWidget* focused = nullptr;
+    OverlayLevel lastLevel = OverlayLevel::aboveEverything;
+    bool confirms = true;
+};
+
+/// Answers when the test says so.
+class PendingScreenshots : public ScreenshotCapturing {
+public:
+    QFuture<Result<void>> prepare(std::vector<Screen>) override {
+        ++preparations;
+        QPromise<Result<void>> done;
+        done.start();
+        done.addResult(Result<void>());
+        done.finish();
+        return done.future();
+    }
+    QFuture<Result<std::vector<FrozenDisplay>>>
+    capture(std::vector<Screen> asked, std::shared_ptr<CaptureTiming>, std::stop_token) override {
+        screens = std::move(asked);
+        promise = std::make_unique<QPromise<Result<std::vector<FrozenDisplay>>>>();
+        promise->start();
+        return promise->future();
+    }
+    void invalidatePreparation() override { ++invalidations; }
+
+    void answer(Result<std::vector<FrozenDisplay>> result) {
+        promise->addResult(std::move(result));
+        promise->finish();
+        QCoreApplication::processEvents();
+    }
+    void answerWithPictures() {
+        std::vector<FrozenDisplay> displays;
+        for (const Screen& screen : screens) {
+            QImage image(screen.nativeRect.size(), QImage::Format_RGB32);
+            image.fill(Qt::darkGreen);
+            displays.push_back({screen, *screen.displayID, {image, image, nullptr}});
+        }
+        answer(displays);
+    }
+
+    std::vector<Screen> screens;
+    std::unique_ptr<QPromise<Result<std::vector<FrozenDisplay>>>> promise;
+    int preparations = 0;
+    int invalidations = 0;
+};
+
+class CoordinatorTests : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(folder.isValid());
+        coordinator.onMeasured = [this](const CaptureTiming::Report& report) { reports.push_back(report); };
+    }
+    void begin() { coordinator.begin(CaptureTime::now(), nullptr); }
+    void present() {
+        begin();
+        screenshots.answerWithPictures();
+        ASSERT_TRUE(QTest::qWaitFor([this] { return !reports.empty(); }));
+    }
+    CaptureOverlayView& view(std::size_t index) {
+        return static_cast<CaptureOverlayWindow*>(overlays.shown.at(index))->view();
+    }
+    QStringList actions() {
+        diagnostics.finish();
+        QFile file(folder.filePath(QStringLiteral("events.jsonl")));
+        QStringList names;
+        if (!file.open(QIODevice::ReadOnly))
+            return names;
+        while (!file.atEnd())
+            names << QJsonDocument::fromJson(file.readLine())[QLatin1StringView("action")].toString();
+        names.removeAll(QStringLiteral("capturePhase"));
+        names.removeLast(); // "quit"
+        return names;
+    }
+
+    QTemporaryDir folder;
+    FileUserDefaults defaults{folder.filePath(QStringLiteral("defaults.json"))};
+    EditorPreferences preferences{defaults};
+    LocalDiagnostics diagnostics{defaults, {.directory = folder.path(), .version = QStringLiteral("development")}};
+    FixedScreens screens;
+    PlainOverlayWindows overlays;
+    PendingScreenshots screenshots;
+    bool permission = true;
+    std::vector<CaptureTiming::Report> saved;
+    std::vector<CaptureTiming::Report> reports;
+    CaptureSessionCoordinator coordinator{
+        {.screenshots = screenshots,
+         .screens = screens,
+         .overlayWindows = overlays,
+         .preferences = preferences,
+         .diagnostics = &diagnostics,
+         .hasPermission = [this] { return permission; },
+         .resetCursor = {},
+         .saveMeasurement = [this](const CaptureTiming::Report& report) { saved.push_back(report); }}};
+};
+
+} // namespace
+
+TEST_F(CoordinatorTests, ShowsEveryDisplayAndConfirmsTheOneUnderThePointer) {
+    present();
+    ASSERT_EQ(overlays.shown.size(), 2U);
+    EXPECT_EQ(overlays.focused, overlays.shown[1]); // the pointer is on the right display
+    ASSERT_EQ(reports.size(), 1U);
+    EXPECT_EQ(reports[0].source, QStringLiteral("menu_bar"));
+    EXPECT_EQ(reports[0].phases.front().name, QStringLiteral("permission_check"));
+    EXPECT_FALSE(reports[0].error);
+    EXPECT_EQ(saved, reports);
+    begin();
+    coordinator.close();
+    EXPECT_FALSE(coordinator.busy());
+    EXPECT_FALSE(overlays.shown[0]->isVisible());
+    EXPECT_EQ(actions(), QStringList({QStringLiteral("captureRequested"), QStringLiteral("captureReady"),
+                                      QStringLiteral("captureBusy"), QStringLiteral("captureClosed")}));
+}
+
+TEST_F(CoordinatorTests, MissingPermissionIsReportedAndNothingIsCaptured) {
+    permission = false;
+    int asked = 0;
+    coordinator.onNeedsPermission = [&] { ++asked; };
+    begin();
+    EXPECT_FALSE(coordinator.busy());
+    EXPECT_EQ(asked, 1);
+    EXPECT_FALSE(screenshots.promise);
+    ASSERT_EQ(saved.size(), 1U);
+    EXPECT_EQ(saved[0].error,
+              QStringLiteral("Screen capture permission is missing for this launch context."));
+    EXPECT_EQ(actions(), QStringList({QStringLiteral("captureRequested"), QStringLiteral("permissionMissing"),
+                                      QStringLiteral("captureFailed")}));
+}
+
+TEST_F(CoordinatorTests, ErrorsCloseTheCaptureAndReachTheUser) {
+    const Error gone{ErrorDomain::windowSystem, 9, QStringLiteral("The display is gone.")};
+    const std::pair<Result<std::vector<FrozenDisplay>>, Error> cases[] = {
+        {tl::unexpected(gone), gone},
+        {std::vector<FrozenDisplay>(), captureError(CaptureError::noDisplay)},
+    };
+    for (const auto& [answer, expected] : cases) {
+        std::optional<Error> told;
+        coordinator.onError = [&](const Error& error) { told = error; };
+        begin();
+        screenshots.answer(answer);
+        EXPECT_FALSE(coordinator.busy());
+        EXPECT_EQ(told, expected);
+        EXPECT_EQ(saved.back().error, expected.description);
+    }
+    coordinator.onError = nullptr;
+    begin();
+    screenshots.answer(tl::unexpected(gone));
+    auto* alert = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+    ASSERT_TRUE(alert);
+    EXPECT_EQ(alert->text(), QStringLiteral("Couldn’t capture the screen"));
+    EXPECT_EQ(alert->informativeText(), gone.description);
+    alert->close();
+}
+
+TEST_F(CoordinatorTests, ClosingDuringTheCaptureSaysNothing) {
+    bool told = false;
+    coordinator.onError = [&](const Error&) { told = true; };
+    begin();
+    coordinator.close();
+    screenshots.answerWithPictures();
+    EXPECT_FALSE(coordinator.busy());
+    EXPECT_FALSE(told);
+    EXPECT_TRUE(overlays.shown.empty());
+    EXPECT_TRUE(saved.empty());
+}
+
+TEST_F(CoordinatorTests, AChangeOfDisplaysClosesAndMakesNewWindows) {
+    present();
+    screens.list.pop_back();
+    Q_EMIT screens.changed();
+    EXPECT_FALSE(coordinator.busy());
+    EXPECT_EQ(screenshots.invalidations, 1);
+    EXPECT_EQ(screenshots.preparations, 2);
+    overlays.shown.clear();
+    reports.clear();
+    present();
+    EXPECT_EQ(overlays.shown.size(), 1U);
+    EXPECT_EQ(actions(), QStringList({QStringLiteral("captureRequested"), QStringLiteral("captureReady"),
+                                      QStringLiteral("displaysChanged"), QStringLiteral("captureClosed"),
+                                      QStringLiteral("captureRequested"), QStringLiteral("captureReady")}));
+}
+
+TEST_F(CoordinatorTests, OnlyOneDisplayHoldsASelection) {
+    present();
+    const auto drag = [this](std::size_t index) {
+        QTest::mousePress(&view(index), Qt::LeftButton, {}, {40, 40});
+        QTest::mouseMove(&view(index), {200, 160});
+        QTest::mouseRelease(&view(index), Qt::LeftButton, {}, {200, 160});
+    };
+    drag(0);
+    EXPECT_GT(view(0).selection().width, 0);
+    drag(1);
+    EXPECT_EQ(view(0).selection().width, 0);
+    EXPECT_GT(view(1).selection().width, 0);
+    EXPECT_EQ(overlays.focused, overlays.shown[1]);
+    EXPECT_EQ(actions().count(QStringLiteral("selectionCleared")), 1);
+}
+
+TEST_F(CoordinatorTests, WithoutTheKeyboardTheMeasurementEndsAfterItsLimit) {
+    overlays.confirms = false;
+    present();
+    ASSERT_EQ(reports.size(), 1U);
+    EXPECT_EQ(reports[0].error,
+              QStringLiteral("Capture drawing and keyboard focus were not both confirmed within "
+                             "two seconds of overlay presentation."));
+    EXPECT_TRUE(coordinator.busy()) << "the overlay stays";
+}
+
+TEST_F(CoordinatorTests, ThePreviewShowsGeneratedPicturesWithoutTiming) {
+    coordinator.beginPreview();
+    ASSERT_EQ(overlays.shown.size(), 2U);
+    EXPECT_TRUE(view(0).hasImage());
+    EXPECT_TRUE(saved.empty());
+    view(0).onClose();
+    EXPECT_FALSE(overlays.shown[0]->isVisible());
+}
+
+TEST_F(CoordinatorTests, PicturesGoToTheReceiverInsteadOfTheScreen) {
+    std::size_t received = 0;
+    coordinator.onPresent = [&](const std::vector<FrozenDisplay>& displays) { received = displays.size(); };
+    begin();
+    screenshots.answerWithPictures();
+    EXPECT_EQ(received, 2U);
+    EXPECT_TRUE(overlays.shown.empty());
+    ASSERT_EQ(saved.size(), 1U);
+    EXPECT_FALSE(saved[0].error);
+}
