@@ -1,6 +1,8 @@
 #include "Output/DeflateEnd.h"
 
+#include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
 #include <vector>
 
@@ -26,13 +28,12 @@ public:
         const std::size_t byte = at / 8;
         const std::size_t left = byte < bitCount / 8 ? bitCount / 8 - byte : 0;
         std::uint64_t word = 0;
-        if (left >= sizeof word) {
-            for (std::size_t i = 0; i < sizeof word; ++i)
-                word |= std::uint64_t(bytes[byte + i]) << (8 * i);
-        } else {
-            for (std::size_t i = 0; i < left; ++i)
-                word |= std::uint64_t(bytes[byte + i]) << (8 * i);
-        }
+        if (left >= sizeof word)
+            std::memcpy(&word, bytes + byte, sizeof word);
+        else if (left > 0)
+            std::memcpy(&word, bytes + byte, left);
+        if constexpr (std::endian::native == std::endian::big)
+            word = __builtin_bswap64(word);
         return word >> (at % 8);
     }
     void skip(std::size_t bits) { at += bits; }
@@ -153,30 +154,45 @@ bool buildOwn(BitReader& in, BlockCodes& codes) {
            codes.distances.build(lengths.data() + literals, distances);
 }
 
+/// The length's and the distance's codes and extra bits that follow in `word`; 0 when there are none.
+unsigned matchBits(const BlockCodes& codes, PrefixCode::Entry length, std::uint64_t word) {
+    if (length.symbol > 285)
+        return 0;
+    const unsigned lengthExtra =
+        length.symbol < 265 || length.symbol == 285 ? 0U : (length.symbol - 261U) / 4U;
+    const unsigned used = length.length + lengthExtra;
+    const PrefixCode::Entry distance = codes.distances.find(word >> used);
+    if (distance.length == 0 || distance.symbol > 29)
+        return 0;
+    return used + distance.length + (distance.symbol < 4 ? 0U : distance.symbol / 2U - 1U);
+}
+
 bool skipSymbols(BitReader& in, const BlockCodes& codes) {
+    // One look of 56 bits holds a match of the longest kind, 48 bits, or three of the longest literals.
+    constexpr unsigned literalsPerLook = 3;
     for (;;) {
-        // One look holds the longest literal or length, distance and their extra bits: 48 bits.
         std::uint64_t word = in.peek();
-        const PrefixCode::Entry literal = codes.literals.find(word);
-        if (literal.length == 0 || in.overrun())
+        unsigned used = 0;
+        PrefixCode::Entry entry = codes.literals.find(word);
+        for (unsigned count = 1; count < literalsPerLook && entry.symbol < endOfBlock && entry.length > 0;
+             ++count) {
+            used += entry.length;
+            word >>= entry.length;
+            entry = codes.literals.find(word);
+        }
+        if (entry.length == 0 || in.overrun())
             return false;
-        if (literal.symbol <= endOfBlock) {
-            in.skip(literal.length);
-            if (literal.symbol == endOfBlock)
+        if (entry.symbol <= endOfBlock) {
+            in.skip(used + entry.length);
+            if (entry.symbol == endOfBlock)
                 return true;
             continue;
         }
-        if (literal.symbol > 285)
+        in.skip(used);
+        const unsigned match = matchBits(codes, entry, used > 0 ? in.peek() : word);
+        if (match == 0)
             return false;
-        const unsigned lengthExtra =
-            literal.symbol < 265 || literal.symbol == 285 ? 0U : (literal.symbol - 261U) / 4U;
-        const unsigned used = literal.length + lengthExtra;
-        word >>= used;
-        const PrefixCode::Entry distance = codes.distances.find(word);
-        if (distance.length == 0 || distance.symbol > 29)
-            return false;
-        const unsigned distanceExtra = distance.symbol < 4 ? 0U : distance.symbol / 2U - 1U;
-        in.skip(used + distance.length + distanceExtra);
+        in.skip(match);
     }
 }
 
