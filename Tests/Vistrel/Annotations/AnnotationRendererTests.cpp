@@ -270,6 +270,41 @@ TEST(AnnotationRenderer, wideStrokeOfShortStepsHasNoHoles) {
     }
 }
 
+TEST(AnnotationRenderer, longStrokeIsPaintedLikeOnePath) {
+    for (const double scale : scales) {
+        const Scene scene = plainScene(scale, {700, 500});
+        EditorAnnotation marker = layer(AnnotationTool::marker, {}, 14, Qt::black);
+        for (int i = 0; i < 900; ++i)
+            marker.points.push_back(
+                {(350 + 340 * std::cos(i * 0.031)) / scale, (250 + 240 * std::sin(i * 0.07)) / scale});
+        QImage expected = scene.image;
+        QPainter painter(&expected);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.scale(scale, scale);
+        ViewFlip{scene.bounds().height}.apply(painter);
+        QColor color = Qt::black;
+        color.setAlphaF(0.35F);
+        painter.strokePath(marker.path(), QPen(color, 14, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        painter.end();
+        EXPECT_EQ(scene.painted({marker}), expected) << scale;
+    }
+}
+
+TEST(AnnotationRenderer, devicePixelRatioCountsLikeAnyScale) {
+    for (const double scale : scales) {
+        const Scene scene = noisyScene(scale);
+        const Layers layers = manyLayers(scene, 41, 18);
+        QImage target = scene.image.copy();
+        target.setDevicePixelRatio(scale);
+        QPainter painter(&target);
+        AnnotationRenderer renderer;
+        scene.draw(renderer, layers, painter);
+        painter.end();
+        target.setDevicePixelRatio(1);
+        EXPECT_EQ(target, scene.painted(layers)) << scale;
+    }
+}
+
 TEST(AnnotationRenderer, repaintedPiecesFitTogether) {
     for (const double scale : scales) {
         const Scene scene = noisyScene(scale);
