@@ -6,9 +6,6 @@ namespace {
 
 using Shape = CanvasCursor::Shape;
 
-// Below this a circle would hide the point being drawn.
-constexpr double smallestBrush = 10;
-
 CanvasCursor resizing(int handle) {
     return {.shape = Shape::resize, .handle = handle};
 }
@@ -56,8 +53,7 @@ CanvasCursor CanvasCursor::at(Point p, const OverlayDocument& document, bool ove
 CanvasCursor CanvasCursor::drawing(const OverlayDocument& document) {
     if (document.tool == AnnotationTool::text)
         return {.shape = Shape::iBeam};
-    const double diameter = document.widthForSize(document.drawingSize());
-    if (!AnnotationTools::isFreehand(document.tool) || diameter < smallestBrush)
+    if (!AnnotationTools::isFreehand(document.tool))
         return {};
-    return {.shape = Shape::brush, .diameter = diameter};
+    return {.shape = Shape::brush, .diameter = document.widthForSize(document.drawingSize())};
 }

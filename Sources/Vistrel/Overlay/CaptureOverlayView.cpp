@@ -9,6 +9,7 @@
 #include "Overlay/OverlayPanels.h"
 #include "Overlay/SelectionCursors.h"
 
+#include <QAccessible>
 #include <QKeyEvent>
 #include <QPainter>
 
@@ -19,6 +20,8 @@ struct CanvasState {
     BadgeText badgeText;
     DecorationLayout layout;
     std::optional<CanvasCursor> cursor;
+    /// Where the last event saw the pointer, in widget points; asking the window system takes a round trip.
+    std::optional<QPointF> pointer;
     /// Made with the first selection, then kept.
     std::unique_ptr<OverlayPanels> panels;
 
@@ -108,6 +111,7 @@ void CaptureOverlayView::resetSession(const CapturedImage& captured, double disp
     canvas->space = {viewSize, canvas->presentation.size()};
     canvas->layout = DecorationLayout::of(session.document, canvas->space, canvas->badgeText);
     canvas->cursor.reset();
+    canvas->pointer.reset();
     setCursor(Qt::CrossCursor);
     update();
 }
@@ -155,7 +159,10 @@ std::optional<QImage> CaptureOverlayView::outputImage() {
 void CaptureOverlayView::updateGeometry() {
     updatePanels();
     repaintChanges();
-    refreshCanvasCursor();
+    if (canvas->pointer)
+        refreshCanvasCursor(*canvas->pointer);
+    else
+        refreshCanvasCursor();
 }
 
 void CaptureOverlayView::updatePanels() {
@@ -188,6 +195,7 @@ void CaptureOverlayView::repaintChanges() {
         return;
     DecorationLayout next = DecorationLayout::of(session.document, canvas->space, canvas->badgeText);
     const QRegion changed = CanvasPainter::damage(damaged, canvas->layout, next, canvas->space);
+    describe(next);
     canvas->layout = std::move(next);
 
     const double scale = canvas->space.scale();
@@ -196,6 +204,12 @@ void CaptureOverlayView::repaintChanges() {
         points += QRectF(rect.x() / scale, rect.y() / scale, rect.width() / scale, rect.height() / scale)
                       .toAlignedRect();
     update(points);
+}
+
+// What the badge shows is what a screen reader says.
+void CaptureOverlayView::describe(const DecorationLayout& next) {
+    if (QAccessible::isActive() && next.badge && accessibleDescription() != next.badge->text)
+        setAccessibleDescription(next.badge->text);
 }
 
 void CaptureOverlayView::paintEvent(QPaintEvent* event) {
@@ -236,6 +250,7 @@ void CaptureOverlayView::press(QMouseEvent* event, int clickCount) {
     }
     if (!isActiveWindow())
         window()->activateWindow();
+    canvas->pointer = event->position();
     editor->gestures.press({.location = viewPoint(event->position()), .clickCount = clickCount});
 }
 
@@ -248,18 +263,21 @@ void CaptureOverlayView::mouseDoubleClickEvent(QMouseEvent* event) {
 }
 
 void CaptureOverlayView::mouseMoveEvent(QMouseEvent* event) {
+    canvas->pointer = event->position();
     if (event->buttons() & Qt::LeftButton)
         editor->gestures.drag(viewPoint(event->position()));
     refreshCanvasCursor(event->position());
 }
 
 void CaptureOverlayView::mouseReleaseEvent(QMouseEvent* event) {
+    canvas->pointer = event->position();
     if (event->button() == Qt::LeftButton)
         editor->gestures.release(viewPoint(event->position()));
     refreshCanvasCursor(event->position());
 }
 
 void CaptureOverlayView::enterEvent(QEnterEvent* event) {
+    canvas->pointer = event->position();
     refreshCanvasCursor(event->position());
 }
 
@@ -285,7 +303,8 @@ KeyFocus CaptureOverlayView::keyFocus() const {
 }
 
 void CaptureOverlayView::refreshCanvasCursor() {
-    refreshCanvasCursor(mapFromGlobal(QCursor::pos()));
+    canvas->pointer = mapFromGlobal(QPointF(QCursor::pos()));
+    refreshCanvasCursor(*canvas->pointer);
 }
 
 void CaptureOverlayView::refreshCanvasCursor(QPointF position) {

@@ -14,6 +14,7 @@
 
 struct CanvasCursor;
 struct CanvasState;
+struct DecorationLayout;
 struct KeyFocus;
 struct OverlayEditor;
 struct OverlayHooks;
@@ -78,6 +79,7 @@ private:
     void share(QWidget& button);
     void updatePanels();
     void repaintChanges();
+    void describe(const DecorationLayout& next);
     void refreshCanvasCursor(QPointF position);
     void showCursor(const CanvasCursor& cursor);
 

@@ -138,7 +138,7 @@ void GestureMachine::beginDrawing(Point p) {
     beginLayerChange(Annotate{.id = layer.id});
     document.state.annotations.push_back(layer);
     document.state.selectedID = layer.id;
-    session.layerChanged(document.state.annotations.size() - 1, OverlayHitTest::paintedBounds(layer));
+    session.layerChanged(document.state.annotations.size() - 1, layer.paintedBounds());
 }
 
 void GestureMachine::beginLayerChange(Drag drag) {
@@ -247,9 +247,9 @@ void GestureMachine::apply(const Annotate& annotate, Point p) {
         const Rect segment = {last.x, last.y, p.x - last.x, p.y - last.y};
         session.layerChanged(index, segment.standardized().insetBy(-layer.width / 2));
     } else {
-        session.damage.add(OverlayHitTest::paintedBounds(layer));
+        session.damage.add(layer.paintedBounds());
         layer.points[1] = p;
-        session.layerChanged(index, OverlayHitTest::paintedBounds(layer));
+        session.layerChanged(index, layer.paintedBounds());
     }
 }
 

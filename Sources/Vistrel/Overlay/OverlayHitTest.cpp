@@ -139,7 +139,7 @@ bool OverlayHitTest::hits(const EditorAnnotation& layer, Point p) {
     if (layer.tool == AnnotationTool::pixelate || layer.tool == AnnotationTool::text)
         return layer.geometryBounds().insetBy(-areaReach).contains(p);
     const double reach = std::max(layer.width, narrowestLine) / 2;
-    const Rect area = paintedBounds(layer).insetBy(-reach);
+    const Rect area = layer.paintedBounds().insetBy(-reach);
     if (!area.contains(p))
         return false;
     const bool isDot = layer.geometryBounds().size() == Size{};
@@ -153,11 +153,4 @@ const EditorAnnotation* OverlayHitTest::layerAt(const OverlayDocument& document,
     const auto found =
         std::find_if(layers.rbegin(), layers.rend(), [p](const auto& l) { return hits(l, p); });
     return found == layers.rend() ? nullptr : &*found;
-}
-
-Rect OverlayHitTest::paintedBounds(const EditorAnnotation& layer) {
-    if (layer.tool != AnnotationTool::arrow)
-        return layer.bounds();
-    const QRectF path = layer.path().boundingRect();
-    return Rect{path.x(), path.y(), path.width(), path.height()}.insetBy(-layer.width / 2);
 }

@@ -20,7 +20,4 @@ bool hits(const EditorAnnotation& layer, Point p);
 /// The topmost layer that is hit; null when none is.
 const EditorAnnotation* layerAt(const OverlayDocument& document, Point p);
 
-/// The area a layer can paint on, arrow heads included.
-Rect paintedBounds(const EditorAnnotation& layer);
-
 } // namespace OverlayHitTest

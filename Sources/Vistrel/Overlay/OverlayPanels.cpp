@@ -30,11 +30,10 @@ OverlayPanels::OverlayPanels(QWidget& canvasWidget, OverlayEditor& overlayEditor
       editor(overlayEditor),
       sidebar(new EditorSidebar(&canvas)),
       actionBar(new EditorActionBar(&canvas)) {
-    LayerCommands& layers = editor.layers;
-    sidebar->onTool = [&layers](AnnotationTool tool) { layers.selectTool(tool); };
-    sidebar->onSelect = [&layers](const QUuid& id) { layers.selectAnnotation(id); };
-    sidebar->onDelete = [&layers](const QUuid& id) { layers.deleteAnnotation(id); };
-    sidebar->onReorder = [&layers](const QUuid& id, int index) { layers.reorderAnnotation(id, index); };
+    sidebar->onTool = [this](AnnotationTool tool) { commands().selectTool(tool); };
+    sidebar->onSelect = [this](const QUuid& id) { commands().selectAnnotation(id); };
+    sidebar->onDelete = [this](const QUuid& id) { commands().deleteAnnotation(id); };
+    sidebar->onReorder = [this](const QUuid& id, int index) { commands().reorderAnnotation(id, index); };
     buildSizeControls();
     buildColorWell();
     buildHistory();
@@ -42,27 +41,33 @@ OverlayPanels::OverlayPanels(QWidget& canvasWidget, OverlayEditor& overlayEditor
     setVisible(false);
 }
 
+LayerCommands& OverlayPanels::commands() {
+    // Its field loses the keyboard, which commits it for the tool or layer it was typed for.
+    if (sizeField->hasFocus())
+        editor.layers.returnFocus();
+    return editor.layers;
+}
+
 void OverlayPanels::buildSizeControls() {
-    LayerCommands& layers = editor.layers;
     EditorSizeControls& strip = sidebar->controls();
     auto* minus = new EditorStepButton(false, &strip);
     auto* plus = new EditorStepButton(true, &strip);
     name(*minus, QStringLiteral("decreaseSize"), QStringLiteral("Decrease size"));
     name(*plus, QStringLiteral("increaseSize"), QStringLiteral("Increase size"));
-    minus->onAction = [&layers] { layers.stepSize(-1); };
-    plus->onAction = [&layers] { layers.stepSize(1); };
+    minus->onAction = [this] { commands().stepSize(-1); };
+    plus->onAction = [this] { commands().stepSize(1); };
 
     sizeField = new EditorSizeField(&strip);
     name(*sizeField, QStringLiteral("drawingWidth"), QStringLiteral("Size"));
     sizeField->setToolTip(QStringLiteral("Size (1–99). Use + or − to adjust."));
-    sizeField->onCommit = [this, &layers] {
+    sizeField->onCommit = [this] {
         const bool endsHere = sizeField->hasFocus();
-        layers.commitSize(EditorSizeField::number(sizeField->text()));
+        editor.layers.commitSize(EditorSizeField::number(sizeField->text()));
         shown.reset();
         show(editor.session.document);
         // When editing ended because another control was chosen, the keyboard stays there.
         if (endsHere)
-            layers.returnFocus();
+            editor.layers.returnFocus();
     };
     strip.addArrangedSubview(*minus);
     strip.addArrangedSubview(*plus);
@@ -75,22 +80,27 @@ void OverlayPanels::buildColorWell() {
     name(*colorWell, QStringLiteral("drawingColor"), QStringLiteral("Drawing color"));
     colorWell->setToolTip(QStringLiteral("Drawing color"));
     colorWell->onColor = [this](const QColor& color) {
-        editor.layers.setDrawingColor(color);
+        commands().setDrawingColor(color);
+        editor.layers.returnFocus();
+    };
+    colorWell->onPickerClosed = [this] {
+        if (!canvas.isVisible())
+            return;
+        canvas.window()->activateWindow();
         editor.layers.returnFocus();
     };
     sidebar->setColorControl(*colorWell);
 }
 
 void OverlayPanels::buildHistory() {
-    LayerCommands& layers = editor.layers;
     undoButton = new EditorButton(sidebar);
     redoButton = new EditorButton(sidebar);
     name(*undoButton, QStringLiteral("undo"), QStringLiteral("Undo"));
     name(*redoButton, QStringLiteral("redo"), QStringLiteral("Redo"));
     undoButton->setToolTip(QStringLiteral("Undo (⌘Z)"));
     redoButton->setToolTip(QStringLiteral("Redo (⌘⇧Z)"));
-    undoButton->onAction = [&layers] { layers.undo(); };
-    redoButton->onAction = [&layers] { layers.redo(); };
+    undoButton->onAction = [this] { commands().undo(); };
+    redoButton->onAction = [this] { commands().redo(); };
     sidebar->addHistoryControls(*undoButton, *redoButton);
 }
 
@@ -101,13 +111,22 @@ void OverlayPanels::buildActions(Actions actions) {
     EditorButton& share = addAction(QStringLiteral("share"), QStringLiteral("square.and.arrow.up"),
                                     QStringLiteral("Share"), QStringLiteral("Share"));
     share.setFiresOnPress(true);
-    share.onAction = [onShare = std::move(actions.onShare), &share] { onShare(share); };
+    share.onAction = [this, onShare = std::move(actions.onShare), &share] {
+        commands();
+        onShare(share);
+    };
     EditorButton& save = addAction(QStringLiteral("save"), QStringLiteral("square.and.arrow.down"),
                                    QStringLiteral("Save"), QStringLiteral("Save (⌘S)"));
-    save.onAction = [this] { editor.output.saveSelection(); };
+    save.onAction = [this] {
+        commands();
+        editor.output.saveSelection();
+    };
     EditorButton& copy = addAction(QStringLiteral("copy"), QStringLiteral("doc.on.doc"),
                                    QStringLiteral("Copy"), QStringLiteral("Copy (⌘C)"));
-    copy.onAction = [this] { editor.output.copySelection(); };
+    copy.onAction = [this] {
+        commands();
+        editor.output.copySelection();
+    };
 }
 
 EditorButton& OverlayPanels::addAction(const QString& icon, const QString& symbol, const QString& title,

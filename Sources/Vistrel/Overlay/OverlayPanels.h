@@ -36,6 +36,8 @@ public:
     bool sizeFieldHasFocus() const;
 
 private:
+    /// For what a button asks, with a size that is still being typed taken over first.
+    LayerCommands& commands();
     void buildSizeControls();
     void buildColorWell();
     void buildHistory();

@@ -1,9 +1,5 @@
 #include "Overlay/OverlaySession.h"
 
-#include "Overlay/OverlayHitTest.h"
-
-using OverlayHitTest::paintedBounds;
-
 void OverlaySession::report(Diagnostic::Action action, std::optional<AnnotationTool> style,
                             std::optional<int> size) {
     Diagnostic::Details details;
@@ -18,10 +14,10 @@ void OverlaySession::replaceLayer(const EditorAnnotation& layer) {
     for (std::size_t index = 0; index < layers.size(); ++index) {
         if (layers[index].id != layer.id)
             continue;
-        const Rect before = paintedBounds(layers[index]);
+        const Rect before = layers[index].paintedBounds();
         layers[index] = layer;
         layerChanged(index, before);
-        layerChanged(index, paintedBounds(layer));
+        layerChanged(index, layer.paintedBounds());
     }
 }
 
@@ -40,7 +36,7 @@ void OverlaySession::setSelection(const Rect& selection) {
     const std::optional<Rect> shared = before.intersection(selection);
     const auto& layers = document.state.annotations;
     for (std::size_t index = 0; index < layers.size(); ++index) {
-        const Rect area = paintedBounds(layers[index]);
+        const Rect area = layers[index].paintedBounds();
         if (!shared || !shared->contains(area))
             damageEffectsAbove(index, area);
     }
@@ -58,7 +54,7 @@ Rect OverlaySession::effectArea(const EditorAnnotation& effect) const {
     constexpr double blurMarginPixels = 36;
     const double pointsPerPixel = document.viewSize.width / std::max(1, document.image.width());
     const double blurMargin = blurMarginPixels * pointsPerPixel;
-    return paintedBounds(effect).insetBy(-std::max(blurMargin, effect.width) - pointsPerPixel);
+    return effect.paintedBounds().insetBy(-std::max(blurMargin, effect.width) - pointsPerPixel);
 }
 
 void OverlaySession::damageEffectsAbove(std::size_t index, Rect area) {
@@ -67,7 +63,7 @@ void OverlaySession::damageEffectsAbove(std::size_t index, Rect area) {
         const EditorAnnotation& effect = layers[above];
         if (!AnnotationTools::isEffect(effect.tool) || !effectArea(effect).intersects(area))
             continue;
-        damage.add(paintedBounds(effect));
-        area = area.united(paintedBounds(effect));
+        damage.add(effect.paintedBounds());
+        area = area.united(effect.paintedBounds());
     }
 }

@@ -10,6 +10,7 @@
 namespace {
 
 constexpr double resizeSide = 24;
+// Below this a circle would hide the point being drawn.
 constexpr double smallestBrush = 10;
 
 /// `halo` first in white, then `line` in black, so that the pointer shows on light and on dark.

@@ -170,6 +170,14 @@ TEST_F(CaptureOverlayViewTests, theControlsAreJoinedToTheRules) {
     QTest::keyClick(&size, Qt::Key_Return);
     EXPECT_EQ(view.drawingSize(), 99);
 
+    size.setFocus();
+    size.selectAll();
+    QTest::keyClicks(&size, QStringLiteral("7"));
+    control<EditorButton>("marker").click();
+    EXPECT_EQ(view.drawingSize(), 16);
+    control<EditorButton>("pen").click();
+    EXPECT_EQ(view.drawingSize(), 7) << "a size half typed belongs to the tool it was typed for";
+
     undo.click();
     EXPECT_EQ(view.layerCount(), 0);
     EXPECT_FALSE(undo.isEnabled());

@@ -121,7 +121,7 @@ TEST_F(CanvasCursorTests, followsTheTool) {
         CanvasCursor expected;
     };
     const ToolCase cases[] = {
-        {AnnotationTool::pen, 9, {}},
+        {AnnotationTool::pen, 9, {.shape = Shape::brush, .diameter = 9}},
         {AnnotationTool::pen, 10, {.shape = Shape::brush, .diameter = 10}},
         {AnnotationTool::blur, 24, {.shape = Shape::brush, .diameter = 24}},
         {AnnotationTool::rectangle, 50, {}},
