@@ -219,12 +219,15 @@ TEST(CaptureFlow, SavesByKeyboardAndKeepsEverythingOnCancelAndFailure) {
         ASSERT_TRUE(vistrel.waitFor(QStringLiteral("selectionCreated")));
         const xcb_window_t overlay = vistrel.session.client().focusedWindow();
         xcb_window_t last = overlay;
-        // Each dialog is a window of its own, so the keyboard has moved on when it is somewhere new.
+        // Each dialog is a window of its own; a window manager's own focus holder is a pixel somewhere.
         const auto dialogHasFocus = [&] {
             return waitUntil([&] {
                 const xcb_window_t focused = vistrel.session.client().focusedWindow();
-                const bool isNew =
-                    focused != overlay && focused != last && focused > XCB_INPUT_FOCUS_POINTER_ROOT;
+                const auto windows = vistrel.session.client().mappedWindows();
+                const bool isNew = focused != overlay && focused != last &&
+                                   std::ranges::any_of(windows, [focused](const MappedWindow& window) {
+                                       return window.id == focused && window.rect.width() > 50;
+                                   });
                 last = isNew ? focused : last;
                 return isNew;
             });
