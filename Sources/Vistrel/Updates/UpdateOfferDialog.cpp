@@ -1,0 +1,97 @@
+#include "Updates/UpdateOfferDialog.h"
+
+#include "Updates/ReleaseNotesView.h"
+#include "VistrelPlatform/Update/ReleaseNotes.h"
+
+#include <QDesktopServices>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+UpdateOfferDialog::UpdateOfferDialog(const UpdateOffer& offer, QWidget* parent)
+    : QDialog(parent), onOpenPage([](const QUrl& page) { QDesktopServices::openUrl(page); }) {
+    setWindowTitle(QStringLiteral("Vistrel Update"));
+    setObjectName(QStringLiteral("updateOffer"));
+    setAccessibleName(QStringLiteral("Vistrel Update"));
+    auto* layout = new QVBoxLayout(this);
+    addTexts(offer, *layout);
+    addNotes(offer, *layout);
+    addButtons(offer, *layout);
+    resize(520, offer.item.notes.isEmpty() ? sizeHint().height() : 420);
+}
+
+void UpdateOfferDialog::addTexts(const UpdateOffer& offer, QVBoxLayout& layout) {
+    auto* heading = new QLabel(QStringLiteral("A new version of Vistrel is available"), this);
+    QFont bold = heading->font();
+    bold.setBold(true);
+    heading->setFont(bold);
+    QString text = QStringLiteral("Vistrel %1 is available; you have %2.")
+                       .arg(offer.item.displayVersion, offer.currentVersion);
+    if (!offer.installable)
+        text +=
+            QStringLiteral(" This copy was installed by your system’s package manager or for all users, so "
+                           "Vistrel does not replace it. Update it the way it was installed.");
+    auto* description = new QLabel(text, this);
+    description->setObjectName(QStringLiteral("updateDescription"));
+    description->setTextFormat(Qt::PlainText);
+    description->setWordWrap(true);
+    setAccessibleDescription(text);
+    layout.addWidget(heading);
+    layout.addWidget(description);
+}
+
+void UpdateOfferDialog::addNotes(const UpdateOffer& offer, QVBoxLayout& layout) {
+    if (offer.item.notes.isEmpty())
+        return;
+    auto* notes = new ReleaseNotesView(this);
+    notes->setHtml(ReleaseNotes::html(offer.item.notes, offer.item.notesAreHtml));
+    connect(notes, &QTextBrowser::anchorClicked, this, [this](const QUrl& page) {
+        if (page.scheme() == QLatin1String("https"))
+            onOpenPage(page);
+    });
+    layout.addWidget(notes, 1);
+}
+
+void UpdateOfferDialog::addButtons(const UpdateOffer& offer, QVBoxLayout& layout) {
+    auto* buttons = new QHBoxLayout;
+    const auto add = [&](const QString& text, const char* name) {
+        auto* button = new QPushButton(text, this);
+        button->setObjectName(QLatin1String(name));
+        button->setAutoDefault(false);
+        buttons->addWidget(button);
+        return button;
+    };
+    auto* skip = add(QStringLiteral("Skip This Version"), "updateSkip");
+    connect(skip, &QPushButton::clicked, this, [this] { choose(UpdateChoice::skip); });
+    buttons->addStretch(1);
+    auto* later = add(QStringLiteral("Remind Me Later"), "updateLater");
+    connect(later, &QPushButton::clicked, this, [this] { choose(UpdateChoice::remindLater); });
+    QPushButton* preferred = later;
+    if (offer.installable) {
+        preferred = add(QStringLiteral("Install Update"), "updateInstall");
+        connect(preferred, &QPushButton::clicked, this, [this] { choose(UpdateChoice::install); });
+    } else if (!offer.item.link.isEmpty()) {
+        preferred = add(QStringLiteral("Open Web Page"), "updateOpenPage");
+        connect(preferred, &QPushButton::clicked, this, [this, page = offer.item.link] {
+            onOpenPage(page);
+            choose(UpdateChoice::remindLater);
+        });
+    }
+    preferred->setDefault(true);
+    preferred->setFocus();
+    layout.addLayout(buttons);
+}
+
+void UpdateOfferDialog::choose(UpdateChoice choice) {
+    chosen = choice;
+    accept();
+}
+
+void UpdateOfferDialog::done(int result) {
+    QDialog::done(result);
+    const auto report = std::move(onChoice);
+    onChoice = nullptr;
+    if (report)
+        report(chosen);
+}

@@ -1,0 +1,175 @@
+#include "VistrelPlatform/Update/HttpsTransfer.h"
+
+#include "VistrelPlatform/Update/UpdateError.h"
+
+#include <QNetworkCookieJar>
+#include <QNetworkReply>
+#include <QSslConfiguration>
+#include <QSslError>
+
+namespace {
+
+constexpr int maximumRedirections = 5;
+
+bool isSecure(const QUrl& address) {
+    return address.isValid() && address.scheme() == QLatin1String("https") && !address.host().isEmpty() &&
+           address.userInfo().isEmpty();
+}
+
+bool isSamePeer(const QUrl& a, const QUrl& b) {
+    constexpr int httpsPort = 443;
+    return a.host() == b.host() && a.port(httpsPort) == b.port(httpsPort);
+}
+
+QNetworkRequest networkRequest(const HttpsTransfer::Request& what, const QUrl& address) {
+    QNetworkRequest request(address);
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
+    request.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
+    request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
+    request.setAttribute(QNetworkRequest::AuthenticationReuseAttribute, QNetworkRequest::Manual);
+    request.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
+    // One request needs no multiplexing, and a plain answer has a length that can be checked.
+    request.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
+    request.setRawHeader("Accept-Encoding", "identity");
+    request.setRawHeader("Accept", what.accept);
+    request.setRawHeader("User-Agent", what.userAgent);
+    request.setTransferTimeout(static_cast<int>(what.silence.count()));
+
+    QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
+    tls.setPeerVerifyMode(QSslSocket::VerifyPeer);
+    tls.setProtocol(QSsl::TlsV1_2OrLater);
+    if (!what.testAuthorities.isEmpty())
+        tls.setCaCertificates(what.testAuthorities);
+    request.setSslConfiguration(tls);
+    return request;
+}
+
+} // namespace
+
+HttpsTransfer::HttpsTransfer(QObject* parent) : QObject(parent) {
+    deadline.setSingleShot(true);
+    connect(&deadline, &QTimer::timeout, this,
+            [this] { fail(QStringLiteral("The server takes too long to answer.")); });
+}
+
+HttpsTransfer::~HttpsTransfer() {
+    cancel();
+}
+
+void HttpsTransfer::cancel() {
+    onProgress = nullptr;
+    onFinished = nullptr;
+    sink.clear();
+    deadline.stop();
+    if (reply) {
+        reply->disconnect(this);
+        reply->abort();
+    }
+}
+
+void HttpsTransfer::start(const Request& what, QIODevice& target) {
+    request = what;
+    sink = &target;
+    if (!isSecure(what.address)) {
+        QTimer::singleShot(0, this, [this] {
+            failure = QStringLiteral("The address is not a secure one.");
+            finished();
+        });
+        return;
+    }
+    get(what.address);
+    deadline.start(what.total);
+}
+
+void HttpsTransfer::get(const QUrl& address) {
+    reply = manager.get(networkRequest(request, address));
+    reply->setReadBufferSize(256 * 1024);
+    connect(reply, &QNetworkReply::readyRead, this, &HttpsTransfer::receive);
+    connect(reply, &QNetworkReply::sslErrors, this, [this](const QList<QSslError>& errors) {
+        if (failure.isEmpty() && !errors.isEmpty())
+            failure = QStringLiteral("The server cannot be trusted: %1").arg(errors.first().errorString());
+    });
+    connect(reply, &QNetworkReply::finished, this, &HttpsTransfer::finished);
+}
+
+bool HttpsTransfer::follow() {
+    const QVariant location = reply->attribute(QNetworkRequest::RedirectionTargetAttribute);
+    if (!failure.isEmpty() || reply->error() != QNetworkReply::NoError || !location.isValid())
+        return false;
+    const QUrl target = reply->url().resolved(location.toUrl());
+    if (!isSecure(target) || !isSamePeer(target, request.address)) {
+        failure = QStringLiteral("The server sends us elsewhere, to %1.").arg(target.host());
+        return false;
+    }
+    if (++redirections > maximumRedirections) {
+        failure = QStringLiteral("The server sends us in circles.");
+        return false;
+    }
+    reply->deleteLater();
+    get(target);
+    return true;
+}
+
+void HttpsTransfer::receive() {
+    if (!failure.isEmpty() || !reply || !sink)
+        return;
+    if (reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt() != 200)
+        return;
+    const QByteArray data = reply->readAll();
+    received += data.size();
+    if (received > request.exactLength.value_or(request.limit)) {
+        fail(QStringLiteral("The server sends more than it should."));
+        return;
+    }
+    if (sink->write(data) != data.size()) {
+        fail(sink->errorString());
+        return;
+    }
+    if (onProgress) {
+        const QVariant total = reply->header(QNetworkRequest::ContentLengthHeader);
+        onProgress(received, request.exactLength.value_or(total.isValid() ? total.toLongLong() : -1));
+    }
+}
+
+void HttpsTransfer::fail(const QString& description) {
+    if (failure.isEmpty())
+        failure = description;
+    if (reply)
+        reply->abort(); // which ends in `finished`
+}
+
+Result<void> HttpsTransfer::outcome() const {
+    const auto failed = [](const QString& description) {
+        return tl::unexpected(UpdateError::make(UpdateError::downloadFailed, description));
+    };
+    if (!failure.isEmpty())
+        return failed(failure);
+    if (reply->error() == QNetworkReply::OperationCanceledError)
+        return failed(QStringLiteral("The server does not answer."));
+    if (reply->error() != QNetworkReply::NoError)
+        return failed(reply->errorString());
+    const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    if (status != 200)
+        return failed(QStringLiteral("The server answered with status %1.").arg(status));
+    const QVariant announced = reply->header(QNetworkRequest::ContentLengthHeader);
+    const qint64 expected =
+        request.exactLength.value_or(announced.isValid() ? announced.toLongLong() : received);
+    if (received != expected)
+        return failed(QStringLiteral("The server's answer is incomplete."));
+    return {};
+}
+
+void HttpsTransfer::finished() {
+    if (reply && follow())
+        return;
+    deadline.stop();
+    if (reply && reply->error() == QNetworkReply::NoError)
+        receive();
+    const Result<void> result = outcome();
+    if (reply)
+        reply->deleteLater();
+    const auto report = std::move(onFinished);
+    onFinished = nullptr;
+    if (report)
+        report(result);
+}
