@@ -16,7 +16,7 @@ std::function<void(QWidget&)> CaptureColorWell::restoreDialog;
 
 namespace {
 
-QPointer<CaptureColorWell> owner;
+QPointer<CaptureColorWell> pickerOwner;
 
 /// The dialog stands over the overlay without a window manager's frame, so it draws its own edge and is
 /// moved by its background.
@@ -51,25 +51,26 @@ private:
     std::optional<QPoint> grip;
 };
 
-QPointer<ColorPickerDialog> dialog;
+QPointer<ColorPickerDialog> pickerDialog;
 
 } // namespace
 
 QColorDialog& CaptureColorWell::sharedDialog() {
-    if (!dialog) {
-        dialog = new ColorPickerDialog;
-        QObject::connect(dialog, &QColorDialog::currentColorChanged, dialog, [](const QColor& color) {
-            if (owner)
-                owner->dialogChanged(color);
-        });
-        QObject::connect(dialog, &QDialog::finished, dialog, [] {
-            if (owner)
-                owner->closePicker();
+    if (!pickerDialog) {
+        pickerDialog = new ColorPickerDialog;
+        QObject::connect(pickerDialog, &QColorDialog::currentColorChanged, pickerDialog,
+                         [](const QColor& color) {
+                             if (pickerOwner)
+                                 pickerOwner->dialogChanged(color);
+                         });
+        QObject::connect(pickerDialog, &QDialog::finished, pickerDialog, [] {
+            if (pickerOwner)
+                pickerOwner->closePicker();
         });
         // Widgets have to go before the application does.
-        qAddPostRoutine([] { delete dialog.data(); });
+        qAddPostRoutine([] { delete pickerDialog.data(); });
     }
-    return *dialog;
+    return *pickerDialog;
 }
 
 CaptureColorWell::CaptureColorWell(QWidget* parent) : QPushButton(parent), bubble(new EditorHint(*this)) {
@@ -91,7 +92,7 @@ bool CaptureColorWell::isHovered() const {
 }
 
 bool CaptureColorWell::isActive() const {
-    return owner == this;
+    return pickerOwner == this;
 }
 
 void CaptureColorWell::setColor(const QColor& color) {
@@ -120,11 +121,11 @@ QPoint CaptureColorWell::dialogPosition(const QRect& well, QSize size, const QRe
 void CaptureColorWell::activate() {
     if (!isEnabled())
         return;
-    if (owner && owner != this)
-        owner->closePicker();
+    if (pickerOwner && pickerOwner != this)
+        pickerOwner->closePicker();
     bubble->dismiss();
-    const bool opens = owner != this;
-    owner = this;
+    const bool opens = pickerOwner != this;
+    pickerOwner = this;
     if (opens)
         openDialog();
     sharedDialog().raise();
@@ -143,7 +144,11 @@ void CaptureColorWell::openDialog() {
     if (prepareDialog)
         prepareDialog(picker);
     picker.adjustSize();
-    const QRect place(mapToGlobal(QPoint(0, 0)), size());
+    // Level with the well, but clear of the whole panel around it.
+    const QWidget& panel = isWindow() ? *this : *parentWidget();
+    QRect place(mapToGlobal(QPoint(0, 0)), size());
+    place.setLeft(panel.mapToGlobal(QPoint(0, 0)).x());
+    place.setWidth(panel.width());
     picker.move(dialogPosition(place, picker.size(), screen()->geometry()));
     picker.show();
     qApp->installEventFilter(this);
@@ -154,11 +159,11 @@ void CaptureColorWell::closePicker() {
         return;
     qApp->removeEventFilter(this);
     reportChoice();
-    owner.clear();
-    if (dialog) {
-        dialog->hide();
+    pickerOwner.clear();
+    if (pickerDialog) {
+        pickerDialog->hide();
         if (restoreDialog)
-            restoreDialog(*dialog);
+            restoreDialog(*pickerDialog);
     }
     update();
     if (onPickerClosed)
@@ -184,7 +189,7 @@ void CaptureColorWell::reportChoice() {
 bool CaptureColorWell::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::MouseButtonRelease && unreported) {
         const auto* widget = qobject_cast<QWidget*>(watched);
-        if (widget && widget->window() == dialog)
+        if (widget && widget->window() == pickerDialog)
             // The control under the pointer has its last word first.
             QMetaObject::invokeMethod(this, &CaptureColorWell::reportChoice, Qt::QueuedConnection);
     }

@@ -9,8 +9,8 @@
 
 namespace {
 
-constexpr double cornerRadius = 6;
-constexpr double titleSize = 18.2;
+constexpr double barRadius = 6;
+constexpr double barTitleSize = 18.2;
 constexpr double titledMinimum = 86;
 constexpr double iconItem = 42;
 constexpr double otherItem = 32;
@@ -55,9 +55,9 @@ EditorActionBar::EditorActionBar(QWidget* parent) : QWidget(parent) {
 
 void EditorActionBar::addArrangedSubview(QWidget& view) {
     if (auto* button = qobject_cast<EditorButton*>(&view)) {
-        button->setTitleSize(titleSize);
+        button->setTitleSize(barTitleSize);
         button->setMagnification(scale);
-        button->setHoverRadius(cornerRadius * scale);
+        button->setHoverRadius(barRadius * scale);
     }
     QWidget* previous = items.empty() ? nullptr : items.back();
     items.push_back(&view);
@@ -86,7 +86,7 @@ void EditorActionBar::place(const QRectF& frame, double magnification) {
         for (QWidget* item : items) {
             if (auto* button = qobject_cast<EditorButton*>(item)) {
                 button->setMagnification(scale);
-                button->setHoverRadius(cornerRadius * scale);
+                button->setHoverRadius(barRadius * scale);
             }
         }
         update();
@@ -126,8 +126,8 @@ void EditorActionBar::paintEvent(QPaintEvent*) {
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     painter.setBrush(EditorColors::background());
-    painter.drawRoundedRect(DevicePixels::aligned(painter, QRectF(rect())), cornerRadius * scale,
-                            cornerRadius * scale);
+    painter.drawRoundedRect(DevicePixels::aligned(painter, QRectF(rect())), barRadius * scale,
+                            barRadius * scale);
 }
 
 void EditorActionBar::resizeEvent(QResizeEvent*) {

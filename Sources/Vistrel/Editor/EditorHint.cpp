@@ -10,10 +10,10 @@
 
 namespace {
 
-constexpr double fontSize = 13.44;
+constexpr double hintFontSize = 13.44;
 constexpr double sidePadding = 8;
-constexpr double cornerRadius = 6;
-constexpr double gap = 6;
+constexpr double hintRadius = 6;
+constexpr double hintGap = 6;
 /// Room around the bubble for its shadow.
 constexpr int shadowReach = 10;
 
@@ -23,7 +23,7 @@ public:
         setAttribute(Qt::WA_TransparentForMouseEvents);
         setObjectName(QStringLiteral("editorHint"));
         setAccessibleName(hintText);
-        setFont(EditorFont::system(fontSize));
+        setFont(EditorFont::system(hintFontSize));
     }
 
     double labelWidth() const { return QFontMetricsF(font()).horizontalAdvance(text); }
@@ -43,10 +43,10 @@ protected:
         for (int spread = shadowReach - 2; spread > 0; --spread) {
             painter.setBrush(QColor(0, 0, 0, 5));
             const QRectF layer = frame.adjusted(-spread, -spread, spread, spread).translated(0, 2);
-            painter.drawRoundedRect(layer, cornerRadius + spread, cornerRadius + spread);
+            painter.drawRoundedRect(layer, hintRadius + spread, hintRadius + spread);
         }
         painter.setBrush(EditorColors::background());
-        painter.drawRoundedRect(frame, cornerRadius, cornerRadius);
+        painter.drawRoundedRect(frame, hintRadius, hintRadius);
         painter.setPen(EditorColors::hintInk());
         painter.drawText(frame.adjusted(sidePadding, 0, -sidePadding / 2, 0),
                          Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, text);
@@ -72,7 +72,7 @@ EditorHint::~EditorHint() {
 
 QRectF EditorHint::frame(const QRectF& control, const QRectF& visible, double labelWidth) {
     const double width = std::ceil(labelWidth) + 2 * sidePadding;
-    const double x = std::min(std::max(control.right() + gap, visible.left()), visible.right() - width);
+    const double x = std::min(std::max(control.right() + hintGap, visible.left()), visible.right() - width);
     const double y =
         std::max(std::min(control.center().y() - height / 2, visible.bottom() - height), visible.top());
     return {x, y, width, height};

@@ -6,7 +6,7 @@
 #include <QPainterPath>
 
 namespace {
-constexpr double lineWidth = 2;
+constexpr double glyphLine = 2;
 }
 
 EditorStepButton::EditorStepButton(bool increases, QWidget* parent)
@@ -28,11 +28,11 @@ void EditorStepButton::paintContent(QPainter& painter) {
         return;
     QColor color = EditorColors::ink();
     color.setAlphaF(isEnabled() ? 1.0F : 0.4F);
-    painter.setPen(QPen(color, lineWidth, Qt::SolidLine, Qt::RoundCap));
+    painter.setPen(QPen(color, glyphLine, Qt::SolidLine, Qt::RoundCap));
     const QPointF center = QRectF(rect()).center();
     // One path, so that the bars do not darken each other where they cross.
     QPainterPath glyph;
-    const double reach = std::max((length - lineWidth) / 2, 0.1); // The round caps take the rest.
+    const double reach = std::max((length - glyphLine) / 2, 0.1); // The round caps take the rest.
     glyph.moveTo(center - QPointF(reach, 0));
     glyph.lineTo(center + QPointF(reach, 0));
     if (increasing) {

@@ -1,12 +1,12 @@
 #include "Editor/LayerListRules.h"
 
-#include <ranges>
+#include <algorithm>
 
 std::vector<LayerRow> LayerListRules::rows(std::span<const EditorAnnotation> annotations) {
     std::vector<LayerRow> result;
     result.reserve(annotations.size());
-    for (const EditorAnnotation& annotation : annotations | std::views::reverse)
-        result.push_back({annotation.id, annotation.tool, annotation.text});
+    for (std::size_t i = annotations.size(); i > 0; --i)
+        result.push_back({annotations[i - 1].id, annotations[i - 1].tool, annotations[i - 1].text});
     return result;
 }
 
@@ -14,7 +14,7 @@ bool LayerListRules::differ(std::span<const LayerRow> rows, std::span<const Edit
     const auto same = [](const LayerRow& row, const EditorAnnotation& annotation) {
         return row.id == annotation.id && row.tool == annotation.tool && row.text == annotation.text;
     };
-    return !std::ranges::equal(rows, annotations | std::views::reverse, same);
+    return !std::equal(rows.begin(), rows.end(), annotations.rbegin(), annotations.rend(), same);
 }
 
 QString LayerListRules::label(const LayerRow& row) {
