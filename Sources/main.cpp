@@ -19,6 +19,7 @@
 #include "VistrelPlatform/Freedesktop/DesktopRunningInstance.h"
 #include "VistrelPlatform/Freedesktop/DesktopSettingsPages.h"
 #include "VistrelPlatform/Freedesktop/DesktopSystemShortcuts.h"
+#include "VistrelPlatform/Freedesktop/ShareDesktopServices.h"
 #include "VistrelPlatform/Freedesktop/StatusNotifierHost.h"
 #include "VistrelPlatform/System/FileUserDefaults.h"
 #include "VistrelPlatform/System/Paths.h"
@@ -84,6 +85,7 @@ struct Display {
                 .overlayWindows = overlayWindows,
                 .preferences = preferences,
                 .diagnostics = journal,
+                .share = nullptr,
                 .hasPermission = [this] { return capturer.hasPermission(); },
                 .resetCursor = {},
                 .saveMeasurement = {}};
@@ -144,6 +146,7 @@ private:
     DesktopSettingsPages settingsPages;
     HTTPSReportSender reportSender{HTTPSReportSender::endpoint(bundle)};
     OnDemandScreenshotService screenshots{display.capturer, CaptureMethod::automatic, preferences};
+    ShareDesktopServices shareServices;
     std::unique_ptr<CaptureSessionCoordinator> coordinator;
     AppController controller;
     PanelSources panelSources;
@@ -170,6 +173,8 @@ ResidentProgram::ResidentProgram(QStringList commandLine)
                              controller.applicationDidBecomeActive();
                      });
     saved = this;
+    // What the journal's last line needs of the toolkit has to be older than the handler to outlive it.
+    static_cast<void>(QDateTime::currentDateTimeUtc().toString(QStringLiteral("yyyy")));
     std::atexit(saveAtExit);
 }
 
@@ -178,7 +183,10 @@ ResidentProgram::~ResidentProgram() {
 }
 
 int ResidentProgram::run() {
-    QTimer::singleShot(0, &controller, &AppController::applicationDidFinishLaunching);
+    QTimer::singleShot(0, &controller, [this] {
+        controller.applicationDidFinishLaunching();
+        shareServices.removeLeftovers();
+    });
     const int status = QCoreApplication::exec();
     controller.applicationWillTerminate();
     return status;
@@ -242,8 +250,10 @@ AppController::Presentation ResidentProgram::presentation() {
 }
 
 CaptureSession ResidentProgram::makeCaptureSession(std::function<void()> needsPermission) {
-    coordinator = std::make_unique<CaptureSessionCoordinator>(
-        display.sessionServices(screenshots, preferences, &journal));
+    CaptureSessionCoordinator::Services sessionServices =
+        display.sessionServices(screenshots, preferences, &journal);
+    sessionServices.share = &shareServices;
+    coordinator = std::make_unique<CaptureSessionCoordinator>(std::move(sessionServices));
     coordinator->onNeedsPermission = std::move(needsPermission);
     return operationsOf(*coordinator);
 }
@@ -329,9 +339,8 @@ public:
         return CommandLineRunners::exportIconset(mode, Console::standard());
     }
 
-    int operator()(const CommandLineMode::ProfileBuffer&) {
-        Console::standard().printErrorLine(QStringLiteral("Buffer profiling is not built in."));
-        return 1;
+    int operator()(const CommandLineMode::ProfileBuffer& mode) {
+        return CommandLineRunners::profileBuffer(mode, Console::standard());
     }
 
     int operator()(const CommandLineMode::EnableLaunchAtLogin&) {

@@ -2,6 +2,7 @@
 
 #include "Capture/CaptureError.h"
 #include "Capture/CaptureOutput.h"
+#include "Capture/CaptureShare.h"
 #include "Capture/PreviewImage.h"
 
 #include <QGuiApplication>
@@ -65,6 +66,15 @@ void CaptureSessionCoordinator::wirePresenter() {
     };
     output->onDiagnosticEvent = journal;
     output->onDone = [this] { close(); };
+    if (!services.share)
+        return;
+    share = std::make_unique<CaptureShare>(presenter, *services.share);
+    share->onDiagnosticEvent = [this](Diagnostic::Action action) { record(action); };
+    share->onDone = [this] { close(); };
+    presenter.onShare = [this](const QImage& image, QWidget& anchor, CaptureOverlayWindow& window) {
+        if (isBusy)
+            share->share(image, anchor, window);
+    };
 }
 
 void CaptureSessionCoordinator::record(Diagnostic::Action action, const Diagnostic::Details& details) {
@@ -75,6 +85,8 @@ void CaptureSessionCoordinator::record(Diagnostic::Action action, const Diagnost
 void CaptureSessionCoordinator::begin(CaptureTime::Instant at, std::shared_ptr<CaptureTiming> timing) {
     if (isBusy) {
         record(Diagnostic::Action::captureBusy);
+        if (share)
+            share->endEditingExtensions();
         return;
     }
     if (!timing)
@@ -188,6 +200,8 @@ void CaptureSessionCoordinator::displaysChanged() {
 void CaptureSessionCoordinator::close() {
     const bool wasBusy = isBusy;
     output->cancel();
+    if (share)
+        share->cancel();
     captureTask.request_stop();
     presenter.hide();
     isBusy = false;

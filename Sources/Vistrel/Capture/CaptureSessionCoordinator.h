@@ -7,6 +7,7 @@
 #include "Settings/EditorPreferences.h"
 #include "VistrelPlatform/OverlayWindows.h"
 #include "VistrelPlatform/Screen.h"
+#include "VistrelPlatform/ShareServices.h"
 
 #include <QObject>
 
@@ -16,6 +17,7 @@
 #include <vector>
 
 class CaptureOutput;
+class CaptureShare;
 
 /// Runs one capture from request to close: permission, pictures, presentation, output, timing and the
 /// journal. One capture at a time. Main thread.
@@ -29,6 +31,8 @@ public:
         OverlayWindows& overlayWindows;
         EditorPreferences& preferences;
         LocalDiagnostics* diagnostics = nullptr;
+        /// Absent where nothing can be shared; the Share button then does nothing.
+        ShareServices* share = nullptr;
         std::function<bool()> hasPermission;
         std::function<void()> resetCursor;
         std::function<void(const CaptureTiming::Report&)> saveMeasurement;
@@ -71,6 +75,7 @@ private:
     Services services;
     OverlayPresenter presenter;
     std::unique_ptr<CaptureOutput> output;
+    std::unique_ptr<CaptureShare> share;
     std::stop_source captureTask;
     bool isBusy = false;
 };

@@ -95,7 +95,10 @@ void OverlayPresenter::prepareWindow(CaptureOverlayWindow& window, const FrozenD
     view.onSelection = [this, &window] { selectionStarted(window); };
     view.onCopy = [this](const QImage& image) { onCopy(image); };
     view.onSave = [this, &window](const QImage& image) { onSave(image, window); };
-    view.onShare = [this, &window](const QImage& image, QWidget* anchor) { onShare(image, *anchor, window); };
+    view.onShare = [this, &window](const QImage& image, QWidget* anchor) {
+        if (onShare)
+            onShare(image, *anchor, window);
+    };
 }
 
 void OverlayPresenter::timeFirstDraw(CaptureOverlayView& view, std::uint32_t displayID,
@@ -173,15 +176,26 @@ void OverlayPresenter::setLevel(OverlayLevel level) {
         services.overlayWindows.setLevel(*window, level);
 }
 
-void OverlayPresenter::setSuspended(bool suspend) {
-    if (suspended == suspend)
-        return;
-    suspended = suspend;
+void OverlayPresenter::suspend() {
+    suspended = true;
+    setLevel(OverlayLevel::belowDialogs);
+}
+
+void OverlayPresenter::orderOut() {
     for (CaptureOverlayWindow* window : shown)
-        suspend ? services.overlayWindows.hide(*window) : services.overlayWindows.show(*window);
-    CaptureOverlayWindow* key = suspend ? nullptr : keyCandidate(shown);
-    if (key)
-        services.overlayWindows.takeFocus(*key);
+        services.overlayWindows.hide(*window);
+}
+
+void OverlayPresenter::resume(CaptureOverlayWindow& window) {
+    suspended = false;
+    if (std::ranges::find(shown, &window) == shown.end())
+        return;
+    for (CaptureOverlayWindow* other : shown)
+        services.overlayWindows.show(*other);
+    setLevel(OverlayLevel::aboveEverything);
+    services.overlayWindows.takeFocus(window);
+    window.view().setFocus();
+    window.view().refreshCanvasCursor();
 }
 
 void OverlayPresenter::beginDialog(CaptureOverlayWindow& window) {

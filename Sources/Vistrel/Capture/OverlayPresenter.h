@@ -43,9 +43,12 @@ public:
     void hide();
 
     void setLevel(OverlayLevel level);
-    /// Orders the windows out while another program's window must be in front; their contents stay.
-    void setSuspended(bool suspended);
-    bool isSuspended() const { return suspended; }
+    /// A share owns the interaction: the windows make room for its menu and leave activation alone.
+    void suspend();
+    /// Takes the windows away for another program's window; their contents stay.
+    void orderOut();
+    /// The share has ended: all windows are back, and `window` has the keyboard.
+    void resume(CaptureOverlayWindow& window);
     /// A dialog of ours stands in front of `window` from now on, or no longer.
     void beginDialog(CaptureOverlayWindow& window);
     void endDialog(CaptureOverlayWindow& window);

@@ -139,6 +139,7 @@ protected:
          .overlayWindows = overlays,
          .preferences = preferences,
          .diagnostics = &diagnostics,
+         .share = nullptr,
          .hasPermission = [this] { return permission; },
          .resetCursor = {},
          .saveMeasurement = [this](const CaptureTiming::Report& report) { saved.push_back(report); }}};
