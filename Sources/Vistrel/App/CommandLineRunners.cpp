@@ -1,5 +1,6 @@
 #include "App/CommandLineRunners.h"
 
+#include "App/BufferProfiler.h"
 #include "App/LaunchAtLoginService.h"
 #include "App/VistrelIcon.h"
 
@@ -71,6 +72,15 @@ int printLastCaptureTiming(const QString& path, const Console& console) {
 int exportIconset(const CommandLineMode::ExportIconset& mode, const Console& console) {
     if (const auto exported = VistrelIcon::exportIconset(mode.directory); !exported) {
         console.printErrorLine(QStringLiteral("Icon export failed: ") + exported.error().description);
+        return 1;
+    }
+    return 0;
+}
+
+int profileBuffer(const CommandLineMode::ProfileBuffer& mode, const Console& console) {
+    const BufferProfiler::Request request{mode.width, mode.height, mode.displays, mode.maximumFPS};
+    if (const auto profiled = BufferProfiler::run(request, console); !profiled) {
+        console.printErrorLine(QStringLiteral("Buffer profiling failed: ") + profiled.error().description);
         return 1;
     }
     return 0;

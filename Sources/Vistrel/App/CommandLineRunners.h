@@ -19,6 +19,7 @@ int reportUsage(const CommandLineMode::UsageError& error, const Console& console
 /// Writes the file's bytes as they are, then an empty line.
 int printLastCaptureTiming(const QString& path, const Console& console);
 int exportIconset(const CommandLineMode::ExportIconset& mode, const Console& console);
+int profileBuffer(const CommandLineMode::ProfileBuffer& mode, const Console& console);
 int enableLaunchAtLogin(LaunchAtLoginService& service, const Console& console);
 
 struct Diagnosis {

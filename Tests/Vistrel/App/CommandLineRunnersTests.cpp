@@ -50,6 +50,12 @@ TEST_F(CommandLineRunnersTest, TheIconsetModeReportsItsFailure) {
     EXPECT_TRUE(errors.startsWith("Icon export failed: "));
 }
 
+TEST_F(CommandLineRunnersTest, AHistoryThatDoesNotFitIsAFindingNotAFailure) {
+    EXPECT_EQ(CommandLineRunners::profileBuffer({5120, 2880, 2, 60}, console), 0);
+    EXPECT_EQ(output, "5120×2880, 2 displays: on-demand capture (memory budget)\n");
+    EXPECT_EQ(errors, "");
+}
+
 TEST_F(CommandLineRunnersTest, EnablingLaunchAtLoginPrintsTheStatusAfterwards) {
     loginItem.fault = Error{ErrorDomain::system, 13, QStringLiteral("Permission denied")};
     EXPECT_EQ(CommandLineRunners::enableLaunchAtLogin(login, console), 1);
