@@ -29,17 +29,24 @@ QIcon menuIcon(const QString& name, const QString& symbol) {
     return icon;
 }
 
-/// A check mark's third state, which menus have no way to show: a dash where the icon stands.
-QIcon mixedIcon() {
-    QIcon icon;
+/// Menus that draw an icon leave no room for a mark, so the icon itself shows it: a tick where the item
+/// is on, and a dash for the third state, which menus do not have at all.
+void addMarks(QIcon& icon, StatusMenu::Check check) {
+    const bool mixed = check == StatusMenu::Check::mixed;
     for (const double ratio : {1.0, 2.0}) {
-        QPixmap pixmap(QSize(18, 18) * ratio);
+        QPixmap pixmap(QSizeF(menuIconSize, menuIconSize).toSize() * ratio);
         pixmap.setDevicePixelRatio(ratio);
         pixmap.fill(Qt::transparent);
-        QPainter(&pixmap).fillRect(QRectF(4, 8, 10, 2), textColor());
-        icon.addPixmap(pixmap);
+        QPainter painter(&pixmap);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QPen(textColor(), 2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        if (mixed)
+            painter.drawLine(QPointF(5, 9), QPointF(13, 9));
+        else
+            painter.drawPolyline(QPolygonF{{4.5, 9.5}, {7.5, 12.5}, {13.5, 5.5}});
+        painter.end();
+        icon.addPixmap(pixmap, QIcon::Normal, mixed ? QIcon::Off : QIcon::On);
     }
-    return icon;
 }
 
 QString escaped(QString title) {
@@ -57,10 +64,12 @@ void apply(const StatusMenu::Item& item, QAction& action) {
         action.setShortcut(QKeySequence(QStringLiteral("Ctrl+") + item.keyEquivalent.toUpper()));
     action.setCheckable(item.check != StatusMenu::Check::notCheckable);
     action.setChecked(item.check == StatusMenu::Check::on);
-    if (item.check == StatusMenu::Check::mixed)
-        action.setIcon(mixedIcon());
-    else if (!item.icon.isEmpty())
-        action.setIcon(menuIcon(item.icon, item.symbol));
+    QIcon icon;
+    if (!item.icon.isEmpty() && item.check != StatusMenu::Check::mixed)
+        icon = menuIcon(item.icon, item.symbol);
+    if (item.check != StatusMenu::Check::notCheckable)
+        addMarks(icon, item.check);
+    action.setIcon(icon);
 }
 
 /// The brightness that most of the panel around the icon has; absent where the panel cannot be seen.

@@ -12,8 +12,11 @@ constexpr std::uint8_t sentMask = 0x7f;
 
 /// The selection that the panel of the default X screen owns.
 xcb_atom_t traySelection(xcb_connection_t* connection) {
+    char* host = nullptr;
+    int display = 0;
     int screen = 0;
-    xcb_parse_display(nullptr, nullptr, nullptr, &screen);
+    if (xcb_parse_display(nullptr, &host, &display, &screen))
+        std::free(host);
     return internAtom(connection, QByteArray("_NET_SYSTEM_TRAY_S" + QByteArray::number(screen)).constData());
 }
 

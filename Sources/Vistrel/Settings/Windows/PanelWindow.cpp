@@ -1,15 +1,28 @@
 #include "Settings/Windows/PanelWindow.h"
 
 #include "App/AppController.h"
+#include "App/VistrelIcon.h"
 #include "Settings/Windows/AppPanel.h"
+#include "Settings/Windows/PageStyle.h"
 
 #include <QAction>
 #include <QScreen>
 #include <QVBoxLayout>
 
+namespace {
+
+/// Control is the desktop's habit, Super the key that the shortcuts are named after.
+QList<QKeySequence> withCommandKey(const QString& key) {
+    return {QKeySequence(QStringLiteral("Ctrl+") + key), QKeySequence(QStringLiteral("Meta+") + key)};
+}
+
+} // namespace
+
 PanelWindow::PanelWindow(const QString& title, AppController& owner) : controller(owner) {
     setWindowTitle(title);
     setAccessibleName(title);
+    setWindowIcon(QIcon::fromTheme(QStringLiteral("com.orvane.Vistrel"),
+                                   VistrelIcon::icon(PageStyle::accentColor(palette()))));
     setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
                    Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint);
     auto* rows = new QVBoxLayout(this);
@@ -19,15 +32,14 @@ PanelWindow::PanelWindow(const QString& title, AppController& owner) : controlle
     addCommand(QStringLiteral("Vistrel Settings…"), QStringLiteral(","), &AppController::showSettings);
     addCommand(QStringLiteral("Quit Vistrel"), QStringLiteral("Q"), &AppController::quit);
     auto* close = new QAction(this);
-    close->setShortcut(QKeySequence::Close);
+    close->setShortcuts(withCommandKey(QStringLiteral("W")));
     connect(close, &QAction::triggered, this, &PanelWindow::reject);
     addAction(close);
 }
 
 void PanelWindow::addCommand(const QString& text, const QString& key, void (AppController::*command)()) {
     auto* action = new QAction(text, this);
-    action->setShortcuts(
-        {QKeySequence(QStringLiteral("Ctrl+") + key), QKeySequence(QStringLiteral("Meta+") + key)});
+    action->setShortcuts(withCommandKey(key));
     // Later: the command may put away the window whose event this is.
     connect(action, &QAction::triggered, &controller, command, Qt::QueuedConnection);
     addAction(action);
