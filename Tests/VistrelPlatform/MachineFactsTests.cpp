@@ -49,16 +49,6 @@ TEST(MachineFactsTests, productNames) {
     }
 }
 
-TEST(MachineFactsTests, translationIsAnotherFamilyOfProcessors) {
-    const auto translated = [](const char* built, const char* kernel) {
-        return MachineFacts::isTranslated(QString::fromLatin1(built), QString::fromLatin1(kernel));
-    };
-    EXPECT_FALSE(translated("x86_64", "x86_64"));
-    EXPECT_FALSE(translated("i386", "x86_64"));
-    EXPECT_FALSE(translated("arm", "arm64"));
-    EXPECT_TRUE(translated("x86_64", "arm64"));
-}
-
 TEST(MachineFactsTests, thisMachineHasAVersionAndAnArchitecture) {
     const MachineFacts facts = MachineFacts::current();
     EXPECT_TRUE(

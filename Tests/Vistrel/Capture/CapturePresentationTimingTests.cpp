@@ -1,5 +1,4 @@
 #include "Capture/CapturePresentationTiming.h"
-#include "Diagnostics/DiagnosticRecord.h"
 
 #include <QStringList>
 
@@ -114,11 +113,6 @@ TEST(CapturePresentationTimingLifetimeTests, theCompletionMayDestroyTheTracker) 
     tracker->expire();
     EXPECT_EQ(completed, 2);
     EXPECT_FALSE(tracker);
-}
-
-TEST(CapturePresentationTimingLifetimeTests, theJournalKnowsEveryPhaseOfAPresentation) {
-    for (const QString& name : focusPhases + QStringList{resumed})
-        EXPECT_TRUE(Diagnostic::phaseNamed(name)) << name.toStdString();
 }
 
 } // namespace

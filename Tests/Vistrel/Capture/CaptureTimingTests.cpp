@@ -1,6 +1,4 @@
-#include "Capture/CaptureError.h"
 #include "Capture/CaptureTiming.h"
-#include "Diagnostics/DiagnosticRecord.h"
 #include "Support/ScopedEnvironment.h"
 
 #include <QFile>
@@ -141,22 +139,6 @@ TEST(CaptureTimingTests, onlyTheLastReportIsKeptAndAFailureIsHarmless) {
     const ScopedEnvironment blocked("XDG_DATA_HOME", QFile::encodeName(CaptureTiming::reportPath()));
     CaptureTiming::save(sample);
     EXPECT_FALSE(QFileInfo::exists(CaptureTiming::reportPath()));
-}
-
-TEST(CaptureTimingTests, errorsCarryTheirNumberAndTheTextForTheUser) {
-    const std::pair<CaptureError, QString> rows[] = {
-        {CaptureError::noDisplay,
-         QStringLiteral("No available display was found. Check Screen Recording permission and try again.")},
-        {CaptureError::encode,
-         QStringLiteral("The screenshot could not be encoded. Your selection is still open.")},
-        {CaptureError::imageDimensions,
-         QStringLiteral("The screenshot dimensions did not match the display. Try again.")},
-        {CaptureError::directUnavailable,
-         QStringLiteral("Direct screenshot capture requires macOS 26 or later.")},
-    };
-    for (int code = 0; code < 4; ++code)
-        EXPECT_EQ(captureError(rows[code].first),
-                  (Error{QStringLiteral("com.orvane.Vistrel.capture"), code, rows[code].second}));
 }
 
 } // namespace
