@@ -227,7 +227,8 @@ AppController::Services ResidentProgram::services(QStringList commandLine) {
                     return makeCaptureSession(std::move(needsPermission));
                 },
             .pruneReportDrafts = [] { ReportDraftFiles::prune(); },
-            .terminate = [] { QCoreApplication::quit(); },
+            // Not `quit`, which would ask every window first.
+            .terminate = [] { QCoreApplication::exit(); },
             .installed = bundle.isInstalled(),
             .arguments = std::move(commandLine)};
 }

@@ -102,7 +102,8 @@ TEST(IncludeArrows, RunOnlyWhereThePageAllows) {
         if (include.room.empty() || target.empty() || include.room == target)
             continue;
         EXPECT_TRUE(arrows.at(include.room).contains(target))
-            << include.file << " includes " << include.target << ": " << include.room << " may not use " << target;
+            << include.file << " includes " << include.target << ": " << include.room << " may not use "
+            << target;
     }
 }
 
@@ -113,8 +114,10 @@ TEST(IncludeArrows, KeepTheDesktopsWordsInThePlatform) {
     for (const Include& include : includes()) {
         ++read;
         const bool inPlatform = include.file.starts_with("Sources/VistrelPlatform/");
-        EXPECT_FALSE(!inPlatform && std::regex_search(include.target, foreign)) << include.file << " includes " << include.target;
-        EXPECT_FALSE(include.room == "core" && std::regex_search(include.target, toolkit)) << include.file << " includes " << include.target;
+        EXPECT_FALSE(!inPlatform && std::regex_search(include.target, foreign))
+            << include.file << " includes " << include.target;
+        EXPECT_FALSE(include.room == "core" && std::regex_search(include.target, toolkit))
+            << include.file << " includes " << include.target;
     }
     EXPECT_GT(read, 100U);
 }

@@ -118,7 +118,7 @@ TEST_F(ShareServicesTests, whatIsStillHeldAtTheEndGoesAtTheNextLaunch) {
         retention.keep(SharePictureFile::write(picture()).value());
     }
     EXPECT_EQ(picturesOnDisk(), QStringList(QStringLiteral("name.png")));
-    ShareDesktopServices(bus.client(), bus.client()).removeLeftovers();
+    ShareDesktopServices().removeLeftovers();
     EXPECT_TRUE(picturesOnDisk().isEmpty());
 }
 
@@ -185,7 +185,7 @@ struct StartCase {
 class ShareStartTests : public ShareServicesTests, public ::testing::WithParamInterface<StartCase> {};
 
 TEST_P(ShareStartTests, isSharedOnlyWhenTheProgramStarted) {
-    ShareDesktopServices services(bus.client(), bus.client());
+    ShareDesktopServices services([this] { return bus.client(); }, [this] { return bus.client(); });
     std::optional<bool> outcome;
     const ShareService service{
         QStringLiteral("application:%1.desktop").arg(QLatin1String(GetParam().name)), {}, {}};
@@ -211,7 +211,7 @@ TEST_F(ShareServicesTests, applicationOnTheBusIsSharedWhenItAnswers) {
         opened = call.arguments().first().toStringList();
         bus.peer().send(call.createReply());
     });
-    ShareDesktopServices services(bus.client(), bus.client());
+    ShareDesktopServices services([this] { return bus.client(); }, [this] { return bus.client(); });
     std::optional<bool> outcome;
     services.perform({QStringLiteral("application:org.example.Bus.desktop"), {}, {}}, picture(),
                      [&](bool shared) { outcome = shared; });
@@ -222,7 +222,7 @@ TEST_F(ShareServicesTests, applicationOnTheBusIsSharedWhenItAnswers) {
 }
 
 TEST_F(ShareServicesTests, applicationOnTheBusThatCannotStartIsNotShared) {
-    ShareDesktopServices services(bus.client(), bus.client());
+    ShareDesktopServices services([this] { return bus.client(); }, [this] { return bus.client(); });
     std::optional<bool> outcome;
     services.perform({QStringLiteral("application:org.example.Bus.desktop"), {}, {}}, picture(),
                      [&](bool shared) { outcome = shared; });

@@ -16,7 +16,7 @@ Result<void> LaunchAtLoginService::configureDefault() {
 
 Result<void> LaunchAtLoginService::setEnabled(bool enabled) {
     if (enabled != isEnrolled()) {
-        if (const Result<void> changed = enabled ? item.enroll() : item.withdraw(); !changed)
+        if (Result<void> changed = enabled ? item.enroll() : item.withdraw(); !changed)
             return changed;
     }
     defaults.setBoolean(flag, true);

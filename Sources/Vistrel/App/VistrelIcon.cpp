@@ -109,7 +109,7 @@ QIcon VistrelIcon::icon(const QColor& color) {
 }
 
 Result<void> VistrelIcon::exportIconset(const QString& directory) {
-    if (const Result<void> created = Files::createFolder(directory, 0777); !created)
+    if (Result<void> created = Files::createFolder(directory, 0777); !created)
         return created;
     for (const int size : {16, 32, 128, 256, 512}) {
         for (const int scale : {1, 2}) {
@@ -119,7 +119,7 @@ Result<void> VistrelIcon::exportIconset(const QString& directory) {
             const QString name = QStringLiteral("icon_%1x%1%2.png")
                                      .arg(size)
                                      .arg(scale == 2 ? QStringLiteral("@2x") : QString());
-            if (const Result<void> written = writeAtomically(QDir(directory).filePath(name), *png); !written)
+            if (Result<void> written = writeAtomically(QDir(directory).filePath(name), *png); !written)
                 return written;
         }
     }

@@ -4,6 +4,7 @@
 #include "Capture/CaptureOutput.h"
 #include "Capture/CaptureShare.h"
 #include "Capture/PreviewImage.h"
+#include "VistrelPlatform/System/WhenFinished.h"
 
 #include <QGuiApplication>
 #include <QMessageBox>
@@ -132,11 +133,13 @@ void CaptureSessionCoordinator::journalPhases(CaptureTiming& timing) {
 void CaptureSessionCoordinator::startCapture(const Timing& timing) {
     captureTask = std::stop_source();
     timing->recordPhase(QStringLiteral("capture_task_started"));
-    services.screenshots.capture(services.screens.screens(), timing, captureTask.get_token())
-        .then(this, [this, timing, stop = captureTask.get_token()](const Result<Frozen>& result) {
-            if (!stop.stop_requested())
-                captured(result, timing);
-        });
+    const auto pictures =
+        services.screenshots.capture(services.screens.screens(), timing, captureTask.get_token());
+    whenFinished(pictures, this,
+                 [this, timing, stop = captureTask.get_token()](const Result<Frozen>& result) {
+                     if (!stop.stop_requested())
+                         captured(result, timing);
+                 });
 }
 
 void CaptureSessionCoordinator::captured(const Result<Frozen>& result, const Timing& timing) {

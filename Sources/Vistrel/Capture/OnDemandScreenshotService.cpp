@@ -2,6 +2,7 @@
 
 #include "Capture/CaptureError.h"
 #include "Capture/CapturePixelSize.h"
+#include "VistrelPlatform/System/WhenFinished.h"
 
 #include <QPromise>
 #include <QtConcurrent>
@@ -121,9 +122,9 @@ void OnDemandScreenshotService::prepareThen(const std::vector<Screen>& screens,
 
 void OnDemandScreenshotService::startPreparation(const std::vector<Geometry>& key) {
     preparation = std::make_shared<std::stop_source>();
-    QtConcurrent::run([builder = filterBuilder, key, stop = preparation->get_token()] {
-        return builder(key, stop);
-    }).then(&context, [this, task = preparation](const Result<Prepared>& result) {
+    const auto building = QtConcurrent::run(
+        [builder = filterBuilder, key, stop = preparation->get_token()] { return builder(key, stop); });
+    whenFinished(building, &context, [this, task = preparation](const Result<Prepared>& result) {
         if (task != preparation)
             return; // An invalidation has answered this preparation's waiters already.
         preparation.reset();
@@ -204,11 +205,13 @@ void OnDemandScreenshotService::captureDirect(const std::shared_ptr<Request>& re
 void OnDemandScreenshotService::captureOne(const std::shared_ptr<Request>& request, const Geometry& display,
                                            std::function<Result<CapturedImage>(PixelSize)> take) {
     const CaptureTime::Instant since = CaptureTime::now();
-    QtConcurrent::run([take = std::move(take), display, stop = request->stop]() -> Result<CapturedImage> {
-        if (stop.stop_requested())
-            return tl::unexpected(cancelledError());
-        return take({display.width, display.height});
-    }).then(&context, [this, request, display, since](Result<CapturedImage> captured) {
+    const auto taking =
+        QtConcurrent::run([take = std::move(take), display, stop = request->stop]() -> Result<CapturedImage> {
+            if (stop.stop_requested())
+                return tl::unexpected(cancelledError());
+            return take({display.width, display.height});
+        });
+    whenFinished(taking, &context, [this, request, display, since](Result<CapturedImage> captured) {
         received(request, display, since, std::move(captured));
     });
 }

@@ -34,21 +34,21 @@ QString menuText(QString title) {
 ScreenshotShareSession::Behaviour ScreenshotShareSession::desktopBehaviour(ShareServices& services) {
     Behaviour behaviour;
     behaviour.servicesForItems = [&services](const QImage&) { return services.services(); };
-    behaviour.performService = [&services](const ShareService& service, const QImage& image,
+    behaviour.performService = [&services](const ShareService& chosen, const QImage& picture,
                                            ScreenshotShareSession& session) {
-        const auto png = ImageEncoder::encode(ScreenshotSaveFormat::png, image);
+        const auto png = ImageEncoder::encode(ScreenshotSaveFormat::png, picture);
         if (!png) {
-            QTimer::singleShot(0, &session, [&session, service] { session.didFailToShare(service); });
+            QTimer::singleShot(0, &session, [&session, chosen] { session.didFailToShare(chosen); });
             return;
         }
         const QString name = suggestedFileName(ScreenshotSaveFormat::png, QDateTime::currentDateTimeUtc());
-        services.perform(service, {*png, name}, [service, guard = QPointer(&session)](bool shared) {
+        services.perform(chosen, {*png, name}, [chosen, guard = QPointer(&session)](bool shared) {
             if (!guard)
                 return;
             if (shared)
-                guard->didShare(service);
+                guard->didShare(chosen);
             else
-                guard->didFailToShare(service);
+                guard->didFailToShare(chosen);
         });
     };
     behaviour.openExtensions = [&services](ScreenshotShareSession& session) {

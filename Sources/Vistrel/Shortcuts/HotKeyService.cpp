@@ -53,7 +53,7 @@ Result<void> HotKeyService::registerShortcuts(const std::vector<ScreenshotShortc
     VISTREL_PRECONDITION(QThread::currentThread() == QCoreApplication::instance()->thread(),
                          "hot keys belong to the main thread");
     const std::vector<ScreenshotShortcut> wanted = withoutRepeats(requested);
-    if (const auto checked = checkConflicts(wanted); !checked)
+    if (auto checked = checkConflicts(wanted); !checked)
         return checked;
     const Result<Registrations> updated = registerMissing(wanted);
     if (!updated)

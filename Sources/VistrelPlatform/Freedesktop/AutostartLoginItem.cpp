@@ -151,7 +151,7 @@ Result<void> AutostartLoginItem::enroll() {
                   QStringLiteral("Vistrel is not installed, so there is nothing to launch.")});
     if (!canBeStarted(program.executable))
         return tl::unexpected(Files::systemError(ENOENT));
-    if (const Result<void> made = Files::createFolder(QFileInfo(entryPath()).path(), 0700); !made)
+    if (Result<void> made = Files::createFolder(QFileInfo(entryPath()).path(), 0700); !made)
         return made;
     const QString entry = QStringLiteral("[Desktop Entry]\n"
                                          "Type=Application\n"

@@ -17,26 +17,35 @@ constexpr std::chrono::seconds settingsHandOver{3};
 } // namespace
 
 ShareDesktopServices::ShareDesktopServices()
-    : ShareDesktopServices(QDBusConnection::sessionBus(), QDBusConnection::systemBus()) {}
+    : ShareDesktopServices([] { return QDBusConnection::sessionBus(); },
+                           [] { return QDBusConnection::systemBus(); }) {}
 
-ShareDesktopServices::ShareDesktopServices(QDBusConnection sessionBus, QDBusConnection systemBus) {
-    suppliers.emplace_back(QStringLiteral("mail:"), std::make_unique<ShareMail>(sessionBus, retention));
-    suppliers.emplace_back(QStringLiteral("bluetooth:"),
-                           std::make_unique<ShareBluetooth>(std::move(systemBus), sessionBus));
-    suppliers.emplace_back(QStringLiteral("device:"),
-                           std::make_unique<ShareLinkedDevices>(sessionBus, retention));
-    suppliers.emplace_back(QStringLiteral("application:"),
-                           std::make_unique<ShareApplications>(sessionBus, retention));
-}
+ShareDesktopServices::ShareDesktopServices(Bus session, Bus system)
+    : sessionBus(std::move(session)), systemBus(std::move(system)) {}
 
 ShareDesktopServices::~ShareDesktopServices() = default;
 
+void ShareDesktopServices::makeSuppliers() {
+    if (!suppliers.empty())
+        return;
+    const QDBusConnection session = sessionBus();
+    suppliers.emplace_back(QStringLiteral("mail:"), std::make_unique<ShareMail>(session, retention));
+    suppliers.emplace_back(QStringLiteral("bluetooth:"),
+                           std::make_unique<ShareBluetooth>(systemBus(), session));
+    suppliers.emplace_back(QStringLiteral("device:"),
+                           std::make_unique<ShareLinkedDevices>(session, retention));
+    suppliers.emplace_back(QStringLiteral("application:"),
+                           std::make_unique<ShareApplications>(session, retention));
+}
+
 void ShareDesktopServices::refresh() {
+    makeSuppliers();
     for (const auto& [name, supplier] : suppliers)
         supplier->refresh();
 }
 
 std::vector<ShareService> ShareDesktopServices::services() {
+    makeSuppliers();
     std::vector<ShareService> all;
     for (const auto& [name, supplier] : suppliers) {
         for (ShareService service : supplier->services()) {
@@ -49,6 +58,7 @@ std::vector<ShareService> ShareDesktopServices::services() {
 
 void ShareDesktopServices::perform(const ShareService& service, const SharedPicture& picture,
                                    Completion completion) {
+    makeSuppliers();
     const auto file = SharePictureFile::write(picture);
     for (const auto& [name, supplier] : suppliers) {
         if (file && service.identifier.startsWith(name)) {

@@ -13,8 +13,12 @@
 /// What a freedesktop.org desktop offers for sharing: mail, then devices, then applications. Main thread.
 class ShareDesktopServices : public QObject, public ShareServices {
 public:
+    using Bus = std::function<QDBusConnection()>;
+
+    /// The user's own buses.
     ShareDesktopServices();
-    ShareDesktopServices(QDBusConnection sessionBus, QDBusConnection systemBus);
+    /// The buses are connected to when they are first needed.
+    ShareDesktopServices(Bus session, Bus system);
     ~ShareDesktopServices() override;
 
     void refresh() override;
@@ -24,6 +28,10 @@ public:
     void removeLeftovers() override;
 
 private:
+    void makeSuppliers();
+
+    Bus sessionBus;
+    Bus systemBus;
     ShareRetention retention;
     /// The name is put before each supplier's own identifiers.
     std::vector<std::pair<QString, std::unique_ptr<ShareSupplier>>> suppliers;

@@ -51,7 +51,7 @@ public:
     QString sanitise(const QString& source) {
         static const QRegularExpression markup(
             QStringLiteral(
-                "<!--.*?(?:-->|\\z)|<(/?)([A-Za-z][A-Za-z0-9]*)((?:\"[^\"]*\"|'[^']*'|[^'\">])*)>"),
+                "<!--.*?(?:-->|\\z)|<(/?)([A-Za-z][A-Za-z0-9]*)((?:\"[^\"]*\"|'[^']*'|[^'\"<>])*+)>"),
             QRegularExpression::DotMatchesEverythingOption);
         qsizetype position = 0;
         auto matches = markup.globalMatch(source);

@@ -17,7 +17,7 @@ public:
     const QString& text() const { return written; }
 
     friend std::strong_ordering operator<=>(const UpdateVersion& a, const UpdateVersion& b);
-    friend bool operator==(const UpdateVersion& a, const UpdateVersion& b) { return (a <=> b) == 0; }
+    friend bool operator==(const UpdateVersion& a, const UpdateVersion& b) { return std::is_eq(a <=> b); }
 
 private:
     QString written;

@@ -35,7 +35,9 @@ Updater::Updater(UpdaterConfiguration whatToUpdate, UserDefaults& defaults, Upda
     nextCheck.setSingleShot(true);
     nextCheck.setTimerType(Qt::VeryCoarseTimer);
     connect(&nextCheck, &QTimer::timeout, this, [this] {
-        if (stage == Stage::idle && QDateTime::currentDateTimeUtc() >= due)
+        if (stage != Stage::idle)
+            return; // the end of this cycle plans the next
+        if (due.isValid() && QDateTime::currentDateTimeUtc() >= due)
             checkForUpdatesInBackground();
         else
             plan();

@@ -123,12 +123,22 @@ std::vector<xcb_window_t> TopLevelWindows::minimised(const std::vector<xcb_windo
     return result;
 }
 
+bool TopLevelWindows::isComposited() const {
+    const auto owner = xcbReply<xcb_get_selection_owner_reply>(
+        connection->get(), xcb_get_selection_owner(connection->get(), compositorAtom));
+    return owner && owner->owner != XCB_NONE;
+}
+
+std::vector<xcb_window_t> TopLevelWindows::ownClients() const {
+    std::vector<xcb_window_t> clients = receive(request()).clients;
+    std::erase_if(clients, [this](xcb_window_t client) { return !own || !own->owns(client); });
+    return clients;
+}
+
 xcb_window_t TopLevelWindows::compositorOutput() const {
     xcb_connection_t* xcb = connection->get();
-    const auto owner =
-        xcbReply<xcb_get_selection_owner_reply>(xcb, xcb_get_selection_owner(xcb, compositorAtom));
     // Asked for without a compositor the window would be created.
-    if (!owner || owner->owner == XCB_NONE || !connection->extensions().composite)
+    if (!isComposited() || !connection->extensions().composite)
         return XCB_NONE;
     const auto output = xcbReply<xcb_composite_get_overlay_window_reply>(
         xcb, xcb_composite_get_overlay_window(xcb, connection->root()));

@@ -42,6 +42,10 @@ public:
     /// Everything on the screen within `area`, lowest first, without minimised windows that a compositor
     /// keeps mapped and without the compositor's own output window.
     std::vector<TopLevelWindow> visible(QRect area) const;
+    /// Our windows that a window manager takes care of.
+    std::vector<xcb_window_t> ownClients() const;
+    /// Whether a compositing manager paints the screen.
+    bool isComposited() const;
 
 private:
     struct Tree {

@@ -8,9 +8,9 @@
 WindowComposer::WindowComposer(std::shared_ptr<X11Connection> server)
     : connection(std::move(server)), rootPictureAtom(internAtom(connection->get(), "_XROOTPMAP_ID")) {}
 
-void WindowComposer::compose(ServerPixmap& target, QRect area,
-                             const std::vector<TopLevelWindow>& windows) const {
+void WindowComposer::compose(ServerPixmap& target, const Scene& scene) const {
     xcb_connection_t* xcb = connection->get();
+    const auto& [area, windows, composited] = scene;
     target.copyFromRoot(area.topLeft());
     const xcb_xfixes_region_t ownRegion = xcb_generate_id(xcb);
     xcb_xfixes_create_region(xcb, ownRegion, 0, nullptr);
@@ -25,7 +25,7 @@ void WindowComposer::compose(ServerPixmap& target, QRect area,
     }
     covered &= area;
     xcb_xfixes_set_picture_clip_region(xcb, target.picture(), ownRegion, 0, 0);
-    paintBackground(target, area, covered);
+    paintBackground(target, scene, covered);
     for (const TopLevelWindow& window : windows) {
         if (window.own || !window.rect.intersects(covered))
             continue;
@@ -62,9 +62,9 @@ void WindowComposer::paintPixmap(const ServerPixmap& target, xcb_pixmap_t source
     xcb_render_free_picture(xcb, picture);
 }
 
-void WindowComposer::paintBackground(const ServerPixmap& target, QRect area, QRect covered) const {
+void WindowComposer::paintBackground(const ServerPixmap& target, const Scene& scene, QRect covered) const {
     xcb_connection_t* xcb = connection->get();
-    const QRect into = covered.translated(-area.topLeft());
+    const QRect into = covered.translated(-scene.area.topLeft());
     const xcb_rectangle_t rectangle{xcbCoordinate(into.x()), xcbCoordinate(into.y()), xcbLength(into.width()),
                                     xcbLength(into.height())};
     const xcb_render_color_t black{0, 0, 0, 0xFFFF};
@@ -74,8 +74,8 @@ void WindowComposer::paintBackground(const ServerPixmap& target, QRect area, QRe
     if (announced && announced->format == 32 && announced->value_len == 1) {
         const auto pixmap = *static_cast<const xcb_pixmap_t*>(xcb_get_property_value(announced.get()));
         paintPixmap(target, pixmap, connection->pictureFormat(connection->visual()), covered.topLeft(), into);
-    } else {
-        paintPlainBackground(target, area, covered);
+    } else if (!scene.composited) {
+        paintPlainBackground(target, scene.area, covered);
     }
 }
 

@@ -12,13 +12,21 @@ class WindowComposer {
 public:
     explicit WindowComposer(std::shared_ptr<X11Connection> connection);
 
-    /// `target` becomes the picture of `area` without the windows marked as own.
-    void compose(ServerPixmap& target, QRect area, const std::vector<TopLevelWindow>& windows) const;
+    struct Scene {
+        QRect area;
+        /// Lowest first.
+        std::vector<TopLevelWindow> windows;
+        /// The root itself is never seen then.
+        bool composited = false;
+    };
+
+    /// `target` becomes the picture of the scene's area without the windows marked as own.
+    void compose(ServerPixmap& target, const Scene& scene) const;
 
 private:
     /// The window's shape with the area's corner as origin. The caller destroys it.
     xcb_xfixes_region_t regionOf(const TopLevelWindow& window, QRect area) const;
-    void paintBackground(const ServerPixmap& target, QRect area, QRect covered) const;
+    void paintBackground(const ServerPixmap& target, const Scene& scene, QRect covered) const;
     /// A picture of the root's own background where no program announced one.
     void paintPlainBackground(const ServerPixmap& target, QRect area, QRect covered) const;
     void paintWindow(const ServerPixmap& target, QRect area, const TopLevelWindow& window) const;

@@ -30,6 +30,8 @@ WindowRedirection::WindowRedirection(std::shared_ptr<X11Connection> server)
     lingering.setInterval(lingerMS);
     connect(&lingering, &QTimer::timeout, this, &WindowRedirection::end);
     qGuiApp->installEventFilter(this);
+    if (anyWindowShown(nullptr))
+        begin();
 }
 
 WindowRedirection::~WindowRedirection() {

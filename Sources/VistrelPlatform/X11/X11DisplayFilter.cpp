@@ -34,11 +34,11 @@ QImage wrapped(XcbOwned<xcb_get_image_reply_t> reply, PixelSize size) {
 } // namespace
 
 X11DisplayFilter::X11DisplayFilter(std::shared_ptr<X11Connection> server, X11Monitor display,
-                                   std::optional<TopLevelWindows::Client> own)
+                                   const std::optional<OwnWindows>& own)
     : connection(std::move(server)),
       monitor(display),
-      besideToolkit(own.has_value()),
-      windows(connection, own),
+      veil(own ? own->veil : nullptr),
+      windows(connection, own ? std::optional(own->client) : std::nullopt),
       composer(connection) {}
 
 Result<X11DisplayFilter::Segment> X11DisplayFilter::lendSegment() {
@@ -91,7 +91,7 @@ Result<CapturedImage> X11DisplayFilter::capture(PixelSize size) {
     const Result<Segment> segment = lendSegment();
     if (!segment)
         return tl::unexpected(segment.error());
-    if (besideToolkit)
+    if (veil)
         awaitToolkit();
 
     xcb_connection_t* xcb = connection->get();
@@ -112,7 +112,7 @@ Result<CapturedImage> X11DisplayFilter::capture(PixelSize size) {
     if (connection->extensions().render) {
         const auto pixmap = lendPixmap();
         if (ownWindows && connection->extensions().composite) {
-            if (const Result<void> composed = composeAround(*pixmap, **segment); !composed)
+            if (const Result<void> composed = leaveOutOwnWindows(*pixmap, **segment); !composed)
                 return tl::unexpected(composed.error());
         } else {
             // From the pixels just read, so that what is shown is what is exported.
@@ -125,8 +125,17 @@ Result<CapturedImage> X11DisplayFilter::capture(PixelSize size) {
     return capturedImage(native, size, std::move(frozen));
 }
 
-Result<void> X11DisplayFilter::composeAround(ServerPixmap& pixmap, const SharedSegment& segment) const {
-    composer.compose(pixmap, monitor.rect, windows.visible(monitor.rect));
+Result<void> X11DisplayFilter::leaveOutOwnWindows(ServerPixmap& pixmap, const SharedSegment& segment) const {
+    const WindowComposer::Scene scene{monitor.rect, windows.visible(monitor.rect), windows.isComposited()};
+    if (scene.composited) {
+        std::vector<TopLevelWindow> ours = scene.windows;
+        std::erase_if(ours, [](const TopLevelWindow& window) { return !window.own; });
+        if (const auto lowered = veil->lower(ours, windows.ownClients())) {
+            pixmap.copyFromRoot(monitor.rect.topLeft());
+            return receivePixels(requestPixels(pixmap.id(), {0, 0}, segment));
+        }
+    }
+    composer.compose(pixmap, scene);
     return receivePixels(requestPixels(pixmap.id(), {0, 0}, segment));
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "VistrelPlatform/ScreenCapturer.h"
+#include "VistrelPlatform/X11/OwnWindowVeil.h"
 #include "VistrelPlatform/X11/ResourcePool.h"
 #include "VistrelPlatform/X11/ServerPixmap.h"
 #include "VistrelPlatform/X11/TopLevelWindows.h"
@@ -11,8 +12,15 @@
 /// page. Any one thread at a time.
 class X11DisplayFilter : public DisplayFilter {
 public:
+    /// This program's windows and the veil over them are shared by all displays; absent on a server where
+    /// it has none.
+    struct OwnWindows {
+        TopLevelWindows::Client client;
+        std::shared_ptr<OwnWindowVeil> veil;
+    };
+
     X11DisplayFilter(std::shared_ptr<X11Connection> connection, X11Monitor monitor,
-                     std::optional<TopLevelWindows::Client> own);
+                     const std::optional<OwnWindows>& own);
 
     /// Allocates and touches everything a capture uses.
     Result<void> warm();
@@ -31,12 +39,11 @@ private:
                                              const SharedSegment& segment) const;
     Result<void> receivePixels(xcb_shm_get_image_cookie_t cookie) const;
     /// The picture without our windows, in the pixmap and the segment.
-    Result<void> composeAround(ServerPixmap& pixmap, const SharedSegment& segment) const;
+    Result<void> leaveOutOwnWindows(ServerPixmap& pixmap, const SharedSegment& segment) const;
 
     std::shared_ptr<X11Connection> connection;
     X11Monitor monitor;
-    /// The toolkit has windows on this server.
-    bool besideToolkit;
+    std::shared_ptr<OwnWindowVeil> veil;
     TopLevelWindows windows;
     WindowComposer composer;
     ResourcePool<SharedSegment> segments;

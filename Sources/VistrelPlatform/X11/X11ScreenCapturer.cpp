@@ -1,7 +1,6 @@
 #include "VistrelPlatform/X11/X11ScreenCapturer.h"
 
 #include "VistrelPlatform/X11/WindowRedirection.h"
-#include "VistrelPlatform/X11/X11DisplayFilter.h"
 
 #include <algorithm>
 
@@ -10,7 +9,8 @@ X11ScreenCapturer::X11ScreenCapturer() : X11ScreenCapturer(QByteArray()) {
     if (!toolkit)
         return;
     const xcb_setup_t* setup = xcb_get_setup(toolkit);
-    own = TopLevelWindows::Client{setup->resource_id_base, setup->resource_id_mask};
+    own = X11DisplayFilter::OwnWindows{{setup->resource_id_base, setup->resource_id_mask},
+                                       std::make_shared<OwnWindowVeil>(connection)};
     if (connection->isAlive() && connection->extensions().composite)
         redirection = std::make_unique<WindowRedirection>(connection);
 }

@@ -1,9 +1,7 @@
 #pragma once
 
 #include "VistrelPlatform/ScreenCapturer.h"
-#include "VistrelPlatform/X11/TopLevelWindows.h"
-#include "VistrelPlatform/X11/X11Connection.h"
-#include "VistrelPlatform/X11/X11Monitors.h"
+#include "VistrelPlatform/X11/X11DisplayFilter.h"
 
 #include <memory>
 #include <optional>
@@ -29,7 +27,7 @@ private:
     Result<X11Monitor> findMonitor(std::uint32_t displayID) const;
 
     std::shared_ptr<X11Connection> connection;
-    std::optional<TopLevelWindows::Client> own;
+    std::optional<X11DisplayFilter::OwnWindows> own;
     std::unique_ptr<WindowRedirection> redirection;
     mutable bool readable = false;
 };

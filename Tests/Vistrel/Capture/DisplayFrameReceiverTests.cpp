@@ -36,12 +36,12 @@ public:
 
     std::size_t count() {
         std::size_t result = 0;
-        withHistory([&](History& history) { result = history.entries().size(); });
+        withHistory([&](History& frames) { result = frames.entries().size(); });
         return result;
     }
     std::optional<History::Entry> latest() {
         std::optional<History::Entry> result;
-        withHistory([&](History& history) { result = history.latest(); });
+        withHistory([&](History& frames) { result = frames.latest(); });
         return result;
     }
 };

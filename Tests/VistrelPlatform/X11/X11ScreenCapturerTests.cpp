@@ -4,10 +4,12 @@
 #include "VistrelPlatform/X11/X11TestPictures.h"
 #include "VistrelPlatform/X11/X11TestSession.h"
 
+#include <QStandardPaths>
 #include <QWidget>
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <thread>
 
 namespace {
@@ -179,6 +181,36 @@ TEST_F(X11ScreenCapturerTest, LeavesTheFrameOfAManagedWindowOut) {
     const auto captured = prepared("one")->capture({left.width(), left.height()});
     ASSERT_TRUE(captured);
     EXPECT_EQ(opaque(captured->image), expected);
+    testSession().endWindowManager();
+}
+
+TEST_F(X11ScreenCapturerTest, HasACompositorLeaveOwnWindowsOut) {
+    if (QStandardPaths::findExecutable(QStringLiteral("picom")).isEmpty())
+        GTEST_SKIP() << "there is no compositor here";
+    testSession().startWindowManager();
+    const auto compositor = testSession().start(QStringLiteral("picom"),
+                                                {QStringLiteral("--backend"), QStringLiteral("xrender"),
+                                                 QStringLiteral("--config"), QStringLiteral("/dev/null")});
+    const auto owner = [&] {
+        const auto reply = xcbReply<xcb_get_selection_owner_reply>(
+            client.connection(), xcb_get_selection_owner(client.connection(), client.atom("_NET_WM_CM_S0")));
+        return reply ? reply->owner : xcb_window_t{XCB_NONE};
+    };
+    ASSERT_TRUE(waitUntil([&] { return owner() != XCB_NONE; })) << compositor->standardError().constData();
+    ASSERT_TRUE(waitUntil([&] { return client.pixels(left) == background.copy(left); }));
+    QWidget window;
+    window.setGeometry(300, 200, 240, 180);
+    window.setStyleSheet(QStringLiteral("background: #00FFFF"));
+    window.show();
+    ASSERT_TRUE(waitUntil([&] { return client.pixelAt({400, 300}) == 0xFF00FFFF; }));
+    settle();
+    const auto captured = prepared("one")->capture({left.width(), left.height()});
+    ASSERT_TRUE(captured);
+    EXPECT_EQ(opaque(captured->image), background.copy(left));
+    // It comes back by itself.
+    EXPECT_TRUE(waitUntil([&] { return client.pixelAt({400, 300}) == 0xFF00FFFF; }));
+    compositor->sendSignal(SIGTERM);
+    EXPECT_TRUE(waitUntil([&] { return owner() == XCB_NONE; }));
     testSession().endWindowManager();
 }
 

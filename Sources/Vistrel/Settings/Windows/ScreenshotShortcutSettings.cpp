@@ -73,7 +73,10 @@ void ScreenshotShortcutSettings::addRecorder() {
         customAccepted = controller.choose(shortcut);
         refresh();
     };
-    description.onListening = [this](bool listening) { controller.setRecordingShortcut(listening); };
+    // The button outlives this page's members by a moment.
+    description.onListening = [&owner = controller](bool listening) {
+        owner.setRecordingShortcut(listening);
+    };
     description.unmodifiedText = sources.unmodifiedText;
     RecorderButton* recorder = description.makeButton(recorderRows);
     recorder->setObjectName(QStringLiteral("recordShortcut"));
