@@ -1,7 +1,7 @@
 #pragma once
 
-#include "VistrelPlatform/ScreenCapturer.h"
 #include "VistrelPlatform/Screen.h"
+#include "VistrelPlatform/ScreenCapturer.h"
 
 #include <memory>
 

@@ -126,7 +126,8 @@ protected:
     QTemporaryDir folder;
     FileUserDefaults defaults{folder.filePath(QStringLiteral("defaults.json"))};
     EditorPreferences preferences{defaults};
-    LocalDiagnostics diagnostics{defaults, {.directory = folder.path(), .version = QStringLiteral("development")}};
+    LocalDiagnostics diagnostics{defaults,
+                                 {.directory = folder.path(), .version = QStringLiteral("development")}};
     FixedScreens screens;
     PlainOverlayWindows overlays;
     PendingScreenshots screenshots;
