@@ -50,6 +50,11 @@ install(FILES ${CMAKE_BINARY_DIR}/Packaging/com.orvane.Vistrel.metainfo.xml DEST
 install(FILES ${CMAKE_CURRENT_LIST_DIR}/../Resources/com.orvane.Vistrel.svg
   DESTINATION share/icons/hicolor/scalable/apps)
 
+foreach(variant 64 128 256)
+  install(DIRECTORY ${CMAKE_CURRENT_LIST_DIR}/../Resources/EditorIcons/${variant}
+    DESTINATION share/vistrel/EditorIcons FILES_MATCHING PATTERN "*.png")
+endforeach()
+
 # The program draws its own icons, so that there is one drawing of them.
 install(CODE "set(program \"$<TARGET_FILE:vistrel>\")
 set(iconset \"${CMAKE_BINARY_DIR}/Packaging/iconset\")")
