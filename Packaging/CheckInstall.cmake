@@ -14,6 +14,12 @@ set(expected bin/vistrel share/vistrel/Info.json share/vistrel/Files.txt
 foreach(size 16 32 64 128 256 512)
   list(APPEND expected share/icons/hicolor/${size}x${size}/apps/com.orvane.Vistrel.png)
 endforeach()
+foreach(icon select pen line arrow rectangle ellipse marker blur pixelate text undo redo trash recording share save copy
+    capture settings launch-at-login quit)
+  foreach(variant 64 128 256)
+    list(APPEND expected share/vistrel/EditorIcons/${variant}/${icon}.png)
+  endforeach()
+endforeach()
 list(SORT installed)
 list(SORT expected)
 if(NOT installed STREQUAL expected)

@@ -25,7 +25,8 @@ QCursor outlinedCursor(const QPainterPath& path, double side, double halo, doubl
         painter.strokePath(path, QPen(color, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     painter.end();
     pixmap.setDevicePixelRatio(ratio);
-    const int center = static_cast<int>(side / 2);
+    // The X server is handed the hot spot as it is, so it counts the image's own pixels.
+    const int center = static_cast<int>(std::lround(side / 2 * ratio));
     return QCursor(pixmap, center, center);
 }
 

@@ -273,7 +273,7 @@ TEST(SelectionCursorsTests, shapesAndSizes) {
         int pixels;
         int hotSpot;
     };
-    for (const BrushCase& row : {BrushCase{10, 1, 24, 12}, {30, 1, 36, 18}, {30, 2, 72, 18}}) {
+    for (const BrushCase& row : {BrushCase{10, 1, 24, 12}, {30, 1, 36, 18}, {30, 2, 72, 36}}) {
         const QCursor brush = SelectionCursors::brush(row.diameter, row.ratio);
         EXPECT_EQ(brush.pixmap().width(), row.pixels);
         EXPECT_EQ(brush.hotSpot(), QPoint(row.hotSpot, row.hotSpot));
