@@ -19,12 +19,14 @@
 #include "VistrelPlatform/Freedesktop/DesktopRunningInstance.h"
 #include "VistrelPlatform/Freedesktop/DesktopSettingsPages.h"
 #include "VistrelPlatform/Freedesktop/DesktopSystemShortcuts.h"
+#include "VistrelPlatform/Freedesktop/SessionBus.h"
 #include "VistrelPlatform/Freedesktop/ShareDesktopServices.h"
 #include "VistrelPlatform/Freedesktop/StatusNotifierHost.h"
 #include "VistrelPlatform/System/FileUserDefaults.h"
 #include "VistrelPlatform/System/Paths.h"
 #include "VistrelPlatform/X11/DisplayReachable.h"
 #include "VistrelPlatform/X11/X11HotKeyBackend.h"
+#include "VistrelPlatform/X11/X11KeyboardLayout.h"
 #include "VistrelPlatform/X11/X11OverlayWindows.h"
 #include "VistrelPlatform/X11/X11ScreenCapturer.h"
 #include "VistrelPlatform/X11/X11ScreenList.h"
@@ -135,7 +137,7 @@ private:
                               524288,
                               {}}};
     Display display;
-    USKeyboardLayout keyboard;
+    X11KeyboardLayout keyboard;
     X11HotKeyBackend hotKeyBackend;
     DesktopSystemShortcuts systemShortcuts{desktopNamed(currentDesktopNames()), QDBusConnection::sessionBus(),
                                            keyboard};
@@ -358,7 +360,7 @@ public:
         const DisplayApplication<QGuiApplication> application(toolkit);
         const X11ScreenList screens;
         const X11ScreenCapturer capturer;
-        const USKeyboardLayout keyboard;
+        const X11KeyboardLayout keyboard;
         const DesktopSystemShortcuts table(desktopNamed(currentDesktopNames()), QDBusConnection::sessionBus(),
                                            keyboard);
         return CommandLineRunners::printDiagnostics({.loginItem = AutostartLoginItem().status(),
@@ -397,6 +399,7 @@ private:
 
 int main(int argc, char** argv) {
     QStringList arguments;
+    SessionBus::neverLaunch();
     for (int index = 0; index < argc; ++index)
         arguments << QString::fromLocal8Bit(argv[index]);
     return std::visit(ModeRunner(arguments), CommandLineMode::parse(arguments));

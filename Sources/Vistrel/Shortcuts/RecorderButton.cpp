@@ -59,6 +59,11 @@ void RecorderButton::updateListening() {
     if (listening == isListening)
         return;
     isListening = listening;
+    // A window manager would otherwise take the chords that are its own.
+    if (listening)
+        grabKeyboard();
+    else
+        releaseKeyboard();
     if (recorder.onListening)
         recorder.onListening(listening);
 }

@@ -1,5 +1,7 @@
 #include "Settings/Windows/DiagnosticHistoryModel.h"
 
+#include "VistrelPlatform/System/WhenFinished.h"
+
 DiagnosticHistoryModel::DiagnosticHistoryModel(LocalDiagnostics& localJournal, UserDefaults& journalDefaults,
                                                QObject* parent)
     : QObject(parent), journal(localJournal), defaults(journalDefaults), isEnabled(journal.enabled()) {}
@@ -18,7 +20,7 @@ void DiagnosticHistoryModel::setEnabled(bool on) {
 void DiagnosticHistoryModel::clear() {
     journal.clear();
     // The journal works in order: this answer comes after the clearing.
-    journal.snapshot().then(this, [this](const LocalDiagnostics::Snapshot& snapshot) {
+    whenFinished(journal.snapshot(), this, [this](const LocalDiagnostics::Snapshot& snapshot) {
         setStatus(snapshot.writeFailed ? QStringLiteral("Couldn’t clear all local diagnostics.")
                                        : QStringLiteral("Local diagnostic history cleared."));
     });
