@@ -166,6 +166,7 @@ ResidentProgram::ResidentProgram(QStringList commandLine)
                    [this](KeyCode key) { return keyboard.textOf(key); }},
       statusItem(controller, {&busPanels, &embeddingPanels}) {
     controller.presentation = presentation();
+    updates.mayCheckUnasked = [this] { return !controller.needsSetup(); };
     updates.mayInterrupt = [this] { return !coordinator || !coordinator->busy(); };
     updates.onQuit = [this] { controller.quit(); };
     QObject::connect(&signals, &TerminationSignals::received, &controller, &AppController::quit);

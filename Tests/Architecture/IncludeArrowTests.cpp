@@ -22,6 +22,7 @@ const std::pair<const char*, const char*> roomOfFolder[] = {
     {"VistrelPlatform/System/", "system"},
     {"VistrelPlatform/Freedesktop/", "freedesktop"},
     {"VistrelPlatform/X11/", "x11"},
+    {"VistrelPlatform/Network/", "network"},
     {"VistrelPlatform/Update/", "update"},
     {"VistrelPlatform/", "platform"},
     {"Diagnostics/", "diagnostics"},

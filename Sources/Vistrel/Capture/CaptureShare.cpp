@@ -27,9 +27,10 @@ void CaptureShare::finished(bool shared, CaptureOverlayWindow& window) {
     // The session reports from within its own work, so it goes when that is done.
     session.release()->deleteLater();
     onDiagnosticEvent(shared ? Action::shareSucceeded : Action::shareCancelled);
-    presenter.resume(window);
     if (shared)
         onDone();
+    else
+        presenter.resume(window);
 }
 
 void CaptureShare::endEditingExtensions() {

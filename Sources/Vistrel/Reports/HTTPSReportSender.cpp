@@ -2,6 +2,7 @@
 
 #include "Reports/ReportUpload.h"
 #include "Reports/ReportUploadError.h"
+#include "VistrelPlatform/Network/TrustedAuthorities.h"
 #include "VistrelPlatform/System/ApplicationBundle.h"
 
 #include <QPromise>
@@ -38,12 +39,14 @@ QFuture<Result<void>> HTTPSReportSender::send(const QByteArray& report, const QU
         return failed(ReportUploadError::tooLarge);
     if (url.scheme() != QLatin1StringView("https"))
         return failed(ReportUploadError::unavailable);
-    auto* upload = new ReportUpload({.url = url,
-                                     .report = report,
-                                     .reportID = reportID,
-                                     .requestTimeoutMS = configuration.requestTimeoutMS,
-                                     .resourceTimeoutMS = configuration.resourceTimeoutMS,
-                                     .tls = configuration.tls},
-                                    &uploads);
+    auto* upload =
+        new ReportUpload({.url = url,
+                          .report = report,
+                          .reportID = reportID,
+                          .requestTimeoutMS = configuration.requestTimeoutMS,
+                          .resourceTimeoutMS = configuration.resourceTimeoutMS,
+                          // Found here and not earlier: it loads the TLS library.
+                          .tls = configuration.tls ? *configuration.tls : TrustedAuthorities::tls()},
+                         &uploads);
     return upload->future();
 }

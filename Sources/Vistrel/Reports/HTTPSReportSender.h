@@ -6,6 +6,8 @@
 #include <QSslConfiguration>
 #include <QUrl>
 
+#include <optional>
+
 class ApplicationBundle;
 
 /// Posts reports to the report service over HTTPS: certificates checked, no redirects, no cookies, no
@@ -20,7 +22,8 @@ public:
         int requestTimeoutMS = 20000;
         /// The longest that one upload may take.
         int resourceTimeoutMS = 30000;
-        QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
+        /// `TrustedAuthorities::tls` when absent.
+        std::optional<QSslConfiguration> tls;
     };
 
     explicit HTTPSReportSender(const QUrl& serviceURL);

@@ -9,6 +9,15 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+namespace {
+
+/// Where somebody finds the new version who updates without us.
+QUrl pageOf(const AppcastItem& item) {
+    return item.link.isEmpty() ? item.archive : item.link;
+}
+
+} // namespace
+
 UpdateOfferDialog::UpdateOfferDialog(const UpdateOffer& offer, QWidget* parent)
     : QDialog(parent), onOpenPage([](const QUrl& page) { QDesktopServices::openUrl(page); }) {
     setWindowTitle(QStringLiteral("Vistrel Update"));
@@ -31,10 +40,13 @@ void UpdateOfferDialog::addTexts(const UpdateOffer& offer, QVBoxLayout& layout) 
     if (!offer.installable)
         text +=
             QStringLiteral(" This copy was installed by your system’s package manager or for all users, so "
-                           "Vistrel does not replace it. Update it the way it was installed.");
+                           "Vistrel does not replace it. Update it the way it was installed; the new "
+                           "version is at %1.")
+                .arg(pageOf(offer.item).toDisplayString());
     auto* description = new QLabel(text, this);
     description->setObjectName(QStringLiteral("updateDescription"));
     description->setTextFormat(Qt::PlainText);
+    description->setTextInteractionFlags(Qt::TextSelectableByMouse);
     description->setWordWrap(true);
     setAccessibleDescription(text);
     layout.addWidget(heading);
@@ -62,18 +74,18 @@ void UpdateOfferDialog::addButtons(const UpdateOffer& offer, QVBoxLayout& layout
         buttons->addWidget(button);
         return button;
     };
-    auto* skip = add(QStringLiteral("Skip This Version"), "updateSkip");
+    auto* skip = add(QStringLiteral("Skip this version"), "updateSkip");
     connect(skip, &QPushButton::clicked, this, [this] { choose(UpdateChoice::skip); });
     buttons->addStretch(1);
-    auto* later = add(QStringLiteral("Remind Me Later"), "updateLater");
+    auto* later = add(QStringLiteral("Remind me later"), "updateLater");
     connect(later, &QPushButton::clicked, this, [this] { choose(UpdateChoice::remindLater); });
     QPushButton* preferred = later;
     if (offer.installable) {
-        preferred = add(QStringLiteral("Install Update"), "updateInstall");
+        preferred = add(QStringLiteral("Install"), "updateInstall");
         connect(preferred, &QPushButton::clicked, this, [this] { choose(UpdateChoice::install); });
-    } else if (!offer.item.link.isEmpty()) {
-        preferred = add(QStringLiteral("Open Web Page"), "updateOpenPage");
-        connect(preferred, &QPushButton::clicked, this, [this, page = offer.item.link] {
+    } else {
+        preferred = add(QStringLiteral("Open web page"), "updateOpenPage");
+        connect(preferred, &QPushButton::clicked, this, [this, page = pageOf(offer.item)] {
             onOpenPage(page);
             choose(UpdateChoice::remindLater);
         });

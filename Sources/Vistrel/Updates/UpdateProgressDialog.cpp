@@ -21,6 +21,8 @@ UpdateProgressDialog::UpdateProgressDialog(QWidget* parent)
     bar->setObjectName(QStringLiteral("updateProgressBar"));
     bar->setAccessibleName(QStringLiteral("Progress"));
     bar->setTextVisible(false);
+    // Return belongs to nobody here: a download is not stopped in passing.
+    cancelButton->setAutoDefault(false);
     cancelButton->setObjectName(QStringLiteral("updateCancel"));
     connect(cancelButton, &QPushButton::clicked, this, &UpdateProgressDialog::reject);
 

@@ -22,6 +22,7 @@ void UpdateService::start() {
     if (!driver)
         driver = std::make_unique<UpdateWindows>();
     updater = std::make_unique<Updater>(configuration, defaults, driver.get());
+    updater->mayCheckUnasked = [this] { return !mayCheckUnasked || mayCheckUnasked(); };
     updater->mayInterrupt = [this] { return !mayInterrupt || mayInterrupt(); };
     updater->onRelaunch = [this](const QString& program) { relaunch(program); };
 

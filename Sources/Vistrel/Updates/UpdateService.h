@@ -36,6 +36,8 @@ public:
 
     /// Brings the application before the others.
     std::function<void()> onActivate;
+    /// While it says no, nothing is checked that nobody asked for.
+    std::function<bool()> mayCheckUnasked;
     /// While it says no, no window appears that nobody asked for.
     std::function<bool()> mayInterrupt;
     /// Ends the application, so that the new version can take its place. Ends the event loop by itself when

@@ -56,7 +56,7 @@ void UpdateWindows::showInstalling() {
 void UpdateWindows::showInstalled(const QString& version, std::function<void(bool)> reply) {
     auto* box = message(QMessageBox::Information, QStringLiteral("Vistrel %1 is installed").arg(version),
                         QStringLiteral("It is used from the next start on."));
-    const QPushButton* relaunch = box->addButton(QStringLiteral("Relaunch Now"), QMessageBox::AcceptRole);
+    const QPushButton* relaunch = box->addButton(QStringLiteral("Relaunch now"), QMessageBox::AcceptRole);
     box->addButton(QStringLiteral("Later"), QMessageBox::RejectRole);
     QObject::connect(box, &QDialog::finished, box,
                      [box, relaunch, reply = std::move(reply)] { reply(box->clickedButton() == relaunch); });

@@ -1,15 +1,17 @@
 #include "VistrelPlatform/Update/HttpsTransfer.h"
 
+#include "VistrelPlatform/Network/TrustedAuthorities.h"
 #include "VistrelPlatform/Update/UpdateError.h"
 
 #include <QNetworkCookieJar>
 #include <QNetworkReply>
-#include <QSslConfiguration>
 #include <QSslError>
 
 namespace {
 
 constexpr int maximumRedirections = 5;
+/// What belongs to an answer that is no file, such as an error page, is read no further.
+constexpr qint64 maximumOtherAnswer = 64 * 1024;
 
 bool isSecure(const QUrl& address) {
     return address.isValid() && address.scheme() == QLatin1String("https") && !address.host().isEmpty() &&
@@ -19,6 +21,10 @@ bool isSecure(const QUrl& address) {
 bool isSamePeer(const QUrl& a, const QUrl& b) {
     constexpr int httpsPort = 443;
     return a.host() == b.host() && a.port(httpsPort) == b.port(httpsPort);
+}
+
+QString unexpectedStatus(int status) {
+    return QStringLiteral("The server answered with status %1.").arg(status);
 }
 
 QNetworkRequest networkRequest(const HttpsTransfer::Request& what, const QUrl& address) {
@@ -35,9 +41,7 @@ QNetworkRequest networkRequest(const HttpsTransfer::Request& what, const QUrl& a
     request.setRawHeader("User-Agent", what.userAgent);
     request.setTransferTimeout(static_cast<int>(what.silence.count()));
 
-    QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
-    tls.setPeerVerifyMode(QSslSocket::VerifyPeer);
-    tls.setProtocol(QSsl::TlsV1_2OrLater);
+    QSslConfiguration tls = TrustedAuthorities::tls();
     if (!what.testAuthorities.isEmpty())
         tls.setCaCertificates(what.testAuthorities);
     request.setSslConfiguration(tls);
@@ -106,6 +110,7 @@ bool HttpsTransfer::follow() {
         return false;
     }
     reply->deleteLater();
+    discarded = 0;
     get(target);
     return true;
 }
@@ -113,9 +118,14 @@ bool HttpsTransfer::follow() {
 void HttpsTransfer::receive() {
     if (!failure.isEmpty() || !reply || !sink)
         return;
-    if (reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt() != 200)
-        return;
     const QByteArray data = reply->readAll();
+    const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    if (status != 200) {
+        discarded += data.size();
+        if (discarded > maximumOtherAnswer)
+            fail(unexpectedStatus(status));
+        return;
+    }
     received += data.size();
     if (received > request.exactLength.value_or(request.limit)) {
         fail(QStringLiteral("The server sends more than it should."));
@@ -150,7 +160,7 @@ Result<void> HttpsTransfer::outcome() const {
         return failed(reply->errorString());
     const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     if (status != 200)
-        return failed(QStringLiteral("The server answered with status %1.").arg(status));
+        return failed(unexpectedStatus(status));
     const QVariant announced = reply->header(QNetworkRequest::ContentLengthHeader);
     const qint64 expected =
         request.exactLength.value_or(announced.isValid() ? announced.toLongLong() : received);

@@ -64,6 +64,7 @@ private:
     Request request;
     QTimer deadline;
     qint64 received = 0;
+    qint64 discarded = 0;
     int redirections = 0;
     QString failure;
 };

@@ -1,5 +1,6 @@
 #include "VistrelPlatform/Update/Updater.h"
 
+#include "VistrelPlatform/System/WhenFinished.h"
 #include "VistrelPlatform/Update/Appcast.h"
 #include "VistrelPlatform/Update/UpdateDownloadFile.h"
 #include "VistrelPlatform/Update/UpdateError.h"
@@ -12,7 +13,6 @@ namespace {
 
 /// The clock may be put forward and the machine may sleep, so the time is looked at now and then.
 constexpr std::chrono::milliseconds longestNap = std::chrono::hours(6);
-constexpr std::chrono::milliseconds afterLaunch = std::chrono::minutes(2);
 constexpr std::chrono::milliseconds interruptionRetry = std::chrono::minutes(1);
 
 /// On a worker: everything between the finished download and the new program.
@@ -37,10 +37,12 @@ Updater::Updater(UpdaterConfiguration whatToUpdate, UserDefaults& defaults, Upda
     connect(&nextCheck, &QTimer::timeout, this, [this] {
         if (stage != Stage::idle)
             return; // the end of this cycle plans the next
-        if (due.isValid() && QDateTime::currentDateTimeUtc() >= due)
-            checkForUpdatesInBackground();
-        else
+        if (!due.isValid() || QDateTime::currentDateTimeUtc() < due)
             plan();
+        else if (mayCheckUnasked && !mayCheckUnasked())
+            nextCheck.start(configuration.quietTime);
+        else
+            checkForUpdatesInBackground();
     });
     interruption.setSingleShot(true);
     interruption.setTimerType(Qt::VeryCoarseTimer);
@@ -90,7 +92,8 @@ void Updater::plan() {
     if (!due.isValid()) {
         const auto span = static_cast<double>(configuration.checkJitter.count());
         const auto jitter = static_cast<qint64>(QRandomGenerator::global()->generateDouble() * span);
-        const auto delay = std::max(schedule.delay(now, configuration.checkInterval), afterLaunch);
+        const auto delay =
+            std::max(schedule.delay(now, configuration.checkInterval), configuration.quietTime);
         due = now.addMSecs(delay.count() + jitter);
     }
     const std::chrono::milliseconds rest(std::max<qint64>(0, now.msecsTo(due)));
@@ -243,8 +246,8 @@ void Updater::downloaded(const Result<void>& outcome) {
     }
     setStage(Stage::installing);
     driver->showInstalling();
-    QtConcurrent::run(verifyAndReplace, archive->fileName(), *offered, publicKey, installation)
-        .then(this, [this](const Result<QString>& program) { installed(program); });
+    whenFinished(QtConcurrent::run(verifyAndReplace, archive->fileName(), *offered, publicKey, installation),
+                 this, [this](const Result<QString>& program) { installed(program); });
 }
 
 void Updater::installed(const Result<QString>& program) {

@@ -55,6 +55,8 @@ public:
     /// Shows nothing; the delegate hears everything.
     void checkForUpdateInformation();
 
+    /// Asked before a check that comes by itself; while it says no, the check waits.
+    std::function<bool()> mayCheckUnasked;
     /// Asked before a window is shown that nobody called for; while it says no, the offer waits.
     std::function<bool()> mayInterrupt;
     /// The user wants the new version now: start this program once the present one has ended.

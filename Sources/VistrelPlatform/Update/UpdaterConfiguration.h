@@ -25,6 +25,8 @@ struct UpdaterConfiguration {
     std::chrono::milliseconds checkInterval = std::chrono::hours(24);
     /// Each check is put off by a random part of this, so that not everybody comes at once.
     std::chrono::milliseconds checkJitter = std::chrono::hours(1);
+    /// No check comes by itself so soon after the launch, nor again so soon after one was put off.
+    std::chrono::milliseconds quietTime = std::chrono::minutes(2);
 
     /// Trusted instead of the system's; only for servers that a test runs itself.
     QList<QSslCertificate> testAuthorities;

@@ -65,8 +65,14 @@ QWidget* ProblemReportSettingsView::makeForm() {
     });
     QPushButton* send = makeButton(QStringLiteral("Send Report"), QStringLiteral("sendProblemReport"), box);
     connect(send, &QPushButton::clicked, model.get(), &ProblemReportModel::send);
-    connect(model.get(), &ProblemReportModel::workingChanged, send,
-            [send, this] { send->setEnabled(!model->working()); });
+    connect(model.get(), &ProblemReportModel::workingChanged, send, [send, this] {
+        // A disabled button loses the keyboard; a failed attempt gives it back.
+        if (model->working())
+            sendHadFocus = send->hasFocus();
+        send->setEnabled(!model->working());
+        if (!model->working() && std::exchange(sendHadFocus, false))
+            send->setFocus();
+    });
     setDefaultButton(send);
     auto* row = new QHBoxLayout;
     row->setContentsMargins(0, PageStyle::itemSpacing, 0, 0);
@@ -94,6 +100,7 @@ QWidget* ProblemReportSettingsView::makeThanks() {
     auto* number = new TextLabel(QStringLiteral("Report ID: ") + id, TextRole::note, box);
     number->setObjectName(QStringLiteral("problemReportID"));
     number->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    number->setFocusPolicy(Qt::StrongFocus);
     rows->addWidget(number);
     QPushButton* close = makeButton(QStringLiteral("OK"), QStringLiteral("closeAfterProblemReport"), box);
     connect(close, &QPushButton::clicked, this, [this] { onDone(); });

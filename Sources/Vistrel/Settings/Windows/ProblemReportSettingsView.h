@@ -27,4 +27,5 @@ private:
     std::unique_ptr<ProblemReportModel> model;
     std::function<void()> onDone;
     QWidget* form = nullptr;
+    bool sendHadFocus = false;
 };
