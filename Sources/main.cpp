@@ -8,6 +8,7 @@
 #include "App/TerminationSignals.h"
 #include "Capture/CaptureSessionCoordinator.h"
 #include "Capture/OnDemandScreenshotService.h"
+#include "Editor/CaptureColorWell.h"
 #include "Reports/HTTPSReportSender.h"
 #include "Reports/ProblemReportModel.h"
 #include "Reports/ReportDraftFiles.h"
@@ -78,6 +79,13 @@ struct Display {
     X11ScreenList screens;
     X11ScreenCapturer capturer;
     X11OverlayWindows overlayWindows;
+
+    Display() {
+        CaptureColorWell::prepareDialog = [this](QWidget& dialog) { overlayWindows.prepareDialog(dialog); };
+    }
+    ~Display() { CaptureColorWell::prepareDialog = nullptr; }
+    Display(const Display&) = delete;
+    Display& operator=(const Display&) = delete;
 
     CaptureSessionCoordinator::Services sessionServices(ScreenshotCapturing& screenshots,
                                                         EditorPreferences& preferences,
@@ -399,8 +407,8 @@ private:
 } // namespace
 
 int main(int argc, char** argv) {
-    QStringList arguments;
     SessionBus::neverLaunch();
+    QStringList arguments;
     for (int index = 0; index < argc; ++index)
         arguments << QString::fromLocal8Bit(argv[index]);
     return std::visit(ModeRunner(arguments), CommandLineMode::parse(arguments));

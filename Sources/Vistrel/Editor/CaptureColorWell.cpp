@@ -18,8 +18,7 @@ namespace {
 
 QPointer<CaptureColorWell> pickerOwner;
 
-/// The dialog stands over the overlay without a window manager's frame, so it draws its own edge and is
-/// moved by its background.
+/// The dialog stands over the overlay without a window manager's frame, so it is moved by its background.
 class ColorPickerDialog : public QColorDialog {
 public:
     ColorPickerDialog() {
@@ -29,14 +28,6 @@ public:
     }
 
 protected:
-    void paintEvent(QPaintEvent* event) override {
-        QColorDialog::paintEvent(event);
-        QPainter painter(this);
-        QColor edge = palette().color(QPalette::WindowText);
-        edge.setAlphaF(0.3F);
-        painter.setPen(QPen(edge, 1));
-        painter.drawRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5));
-    }
     void mousePressEvent(QMouseEvent* event) override {
         if (event->button() == Qt::LeftButton)
             grip = event->globalPosition().toPoint() - pos();

@@ -124,10 +124,12 @@ void LayerTableView::scrollToRow(int row) {
 }
 
 void LayerTableView::updateScrollRange() {
-    const int height = static_cast<int>(std::ceil(double(content.size()) * pitch() - 0.01));
+    // A panel made for all its rows may have been rounded to a point less; that is the last row's gap.
+    constexpr double roundedAway = 1;
+    const double hidden = double(content.size()) * pitch() - viewport()->height();
     verticalScrollBar()->setPageStep(viewport()->height());
     verticalScrollBar()->setSingleStep(std::max(qRound(pitch()), 1));
-    verticalScrollBar()->setRange(0, std::max(height - viewport()->height(), 0));
+    verticalScrollBar()->setRange(0, hidden > roundedAway ? static_cast<int>(std::ceil(hidden)) : 0);
 }
 
 void LayerTableView::layoutRows() {

@@ -85,8 +85,7 @@ DecorationLayout DecorationLayout::of(const OverlayDocument& document, const Can
         layout.handles.push_back(handleAt(center, space, layout.lineWidth, layout.lineOutside));
 
     const EditorAnnotation* layer = document.state.selected();
-    const bool isBeingTyped = layer && document.text && document.text->layerID == layer->id;
-    if (!layer || isBeingTyped)
+    if (!layer)
         return layout;
     const Rect frame = layer->bounds().insetBy(-layerFrameDistance);
     const QPointF topLeft = space.toPixels({frame.minX(), frame.maxY()});

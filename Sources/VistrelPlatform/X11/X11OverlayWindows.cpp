@@ -1,5 +1,6 @@
 #include "VistrelPlatform/X11/X11OverlayWindows.h"
 
+#include "VistrelPlatform/X11/DialogEdge.h"
 #include "VistrelPlatform/X11/WindowRedirection.h"
 
 #include <QApplication>
@@ -258,6 +259,7 @@ void X11OverlayWindows::focusLost() {
 void X11OverlayWindows::prepareDialog(QWidget& dialog) {
     // A managed dialog would lie below the overlay whatever its level is.
     dialog.setWindowFlag(Qt::X11BypassWindowManagerHint);
+    DialogEdge::addTo(dialog);
     dialog.installEventFilter(this);
 }
 

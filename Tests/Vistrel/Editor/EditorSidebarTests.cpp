@@ -209,6 +209,19 @@ TEST_F(EditorSidebarTests, aThousandLayersNeedOnlyTheRowsInSight) {
     EXPECT_LT(sidebar.table().viewport()->width(), 156) << "rows make room for the scroll bar";
 }
 
+TEST_F(EditorSidebarTests, aPanelMadeForAllItsRowsNeedsNoScrollBarAtAnyScale) {
+    for (int percent = 40; percent <= 150; ++percent) {
+        const double scale = percent / 100.0;
+        for (int rows = 1; rows <= 5; ++rows) {
+            showLayers(rows);
+            sidebar.place({.tools = {0, 0, 84 * scale, 326 * scale},
+                           .layers = {200, 0, 156 * scale, (26 + 32 * rows) * scale},
+                           .scale = scale});
+            EXPECT_EQ(sidebar.table().verticalScrollBar()->maximum(), 0) << percent << ' ' << rows;
+        }
+    }
+}
+
 TEST_F(EditorSidebarTests, anUpdateRepaintsOnlyTheRowThatChanged) {
     struct PaintCounter : QObject {
         int paints = 0;
