@@ -42,6 +42,8 @@ public:
 
     /// Requests in the order of their arrival.
     std::vector<Request> requests;
+    int connections = 0;
+    int openConnections = 0;
     Answer answer;
 
     static void respond(QTcpSocket& socket, int status, const QByteArray& body,
@@ -52,6 +54,9 @@ public:
 
 private:
     void serve(QTcpSocket& socket) {
+        ++connections;
+        ++openConnections;
+        QObject::connect(&socket, &QTcpSocket::disconnected, &server, [this] { --openConnections; });
         const auto received = std::make_shared<QByteArray>();
         QObject::connect(&socket, &QTcpSocket::readyRead, &server, [this, &socket, received] {
             *received += socket.readAll();

@@ -7,6 +7,7 @@
 #include <QPromise>
 #include <QtConcurrent>
 
+#include <algorithm>
 #include <map>
 
 using Frozen = std::vector<FrozenDisplay>;
@@ -29,6 +30,8 @@ struct OnDemandScreenshotService::Request {
 };
 
 namespace {
+
+constexpr int displaysAtOnce = 8;
 
 /// The builder used when none is injected: one warmed filter per display.
 Result<OnDemandScreenshotService::Prepared>
@@ -56,6 +59,8 @@ OnDemandScreenshotService::OnDemandScreenshotService(ScreenCapturer& screenCaptu
       method(captureMethod),
       preferences(editorPreferences),
       filterBuilder(std::move(builder)) {
+    // They wait for the window system, not for a processor.
+    workers.setMaxThreadCount(std::max(workers.maxThreadCount(), displaysAtOnce));
     if (!filterBuilder)
         filterBuilder = [&screenCapturer](const std::vector<Geometry>& displays,
                                           const std::stop_token& stop) {
@@ -122,8 +127,10 @@ void OnDemandScreenshotService::prepareThen(const std::vector<Screen>& screens,
 
 void OnDemandScreenshotService::startPreparation(const std::vector<Geometry>& key) {
     preparation = std::make_shared<std::stop_source>();
-    const auto building = QtConcurrent::run(
-        [builder = filterBuilder, key, stop = preparation->get_token()] { return builder(key, stop); });
+    const auto building =
+        QtConcurrent::run(&workers, [builder = filterBuilder, key, stop = preparation->get_token()] {
+            return builder(key, stop);
+        });
     whenFinished(building, &context, [this, task = preparation](const Result<Prepared>& result) {
         if (task != preparation)
             return; // An invalidation has answered this preparation's waiters already.
@@ -205,8 +212,8 @@ void OnDemandScreenshotService::captureDirect(const std::shared_ptr<Request>& re
 void OnDemandScreenshotService::captureOne(const std::shared_ptr<Request>& request, const Geometry& display,
                                            std::function<Result<CapturedImage>(PixelSize)> take) {
     const CaptureTime::Instant since = CaptureTime::now();
-    const auto taking =
-        QtConcurrent::run([take = std::move(take), display, stop = request->stop]() -> Result<CapturedImage> {
+    const auto taking = QtConcurrent::run(
+        &workers, [take = std::move(take), display, stop = request->stop]() -> Result<CapturedImage> {
             if (stop.stop_requested())
                 return tl::unexpected(cancelledError());
             return take({display.width, display.height});

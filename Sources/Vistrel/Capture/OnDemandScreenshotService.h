@@ -5,6 +5,7 @@
 #include "Settings/EditorPreferences.h"
 
 #include <QObject>
+#include <QThreadPool>
 
 #include <functional>
 #include <memory>
@@ -71,4 +72,6 @@ private:
     int generation = 0;
     /// Results of workers come back through this object, so none arrives after our end.
     QObject context;
+    /// One worker per display. Last, so that its end waits for those that still use what we borrow.
+    QThreadPool workers;
 };
