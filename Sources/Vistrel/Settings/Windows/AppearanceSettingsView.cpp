@@ -32,7 +32,7 @@ AppearanceSettingsView::AppearanceSettingsView(Sources sources, std::function<vo
     addDivider();
 
     QCheckBox* cancels =
-        addCheckBox(QStringLiteral("Double-click outside the selection to cancel"),
+        addCheckBox(QStringLiteral("Dou&ble-click outside the selection to cancel"),
                     QStringLiteral("doubleClickOutsideToCancel"),
                     QStringLiteral("Closes the overlay without saving or copying, like Escape."));
     cancels->setChecked(preferences.doubleClickOutsideToCancel());
@@ -42,7 +42,7 @@ AppearanceSettingsView::AppearanceSettingsView(Sources sources, std::function<vo
     addSpace(PageStyle::groupSpacing);
 
     QCheckBox* reduces = addCheckBox(
-        QStringLiteral("Reduce Retina screenshots by 2×"), QStringLiteral("downscaleRetinaScreenshots"),
+        QStringLiteral("&Reduce Retina screenshots by 2×"), QStringLiteral("downscaleRetinaScreenshots"),
         QStringLiteral(
             "Half the width and height for Copy and Save, with doubled drawing sizes (3 draws at 6 "
             "pixels). Turn off for full resolution. Applies to your next capture; 1× displays stay "
@@ -57,18 +57,18 @@ AppearanceSettingsView::AppearanceSettingsView(Sources sources, std::function<vo
     addDivider();
     add(new DiagnosticHistorySettingsView(sources.journal, sources.defaults, this));
     addSpace(PageStyle::groupSpacing);
-    QPushButton* done = makeButton(QStringLiteral("Done"), QStringLiteral("appearanceDone"), this);
+    QPushButton* done = makeButton(QStringLiteral("&Done"), QStringLiteral("appearanceDone"), this);
     connect(done, &QPushButton::clicked, this, [onDone = std::move(onDone)] { onDone(); });
     addButtons({done});
     setDefaultButton(done);
 }
 
 void AppearanceSettingsView::addPanelSize(EditorPreferences& preferences) {
-    const QString title = QStringLiteral("Editor panel size");
+    const QString title = QStringLiteral("&Editor panel size");
     auto* label = new TextLabel(title, TextRole::heading, this);
     auto* slider = new QSlider(Qt::Horizontal, this);
     slider->setObjectName(QStringLiteral("editorPanelSize"));
-    slider->setAccessibleName(title);
+    slider->setAccessibleName(withoutMnemonic(title));
     slider->setRange(smallestScale, largestScale);
     slider->setSingleStep(1);
     slider->setPageStep(10);
@@ -80,7 +80,7 @@ void AppearanceSettingsView::addPanelSize(EditorPreferences& preferences) {
     value->setFixedWidth(
         std::max(percentWidth, value->fontMetrics().horizontalAdvance(percent(largestScale))));
     QPushButton* reset =
-        makeButton(QStringLiteral("Reset to 100%"), QStringLiteral("resetEditorPanelSize"), this);
+        makeButton(QStringLiteral("Reset to &100%"), QStringLiteral("resetEditorPanelSize"), this);
 
     auto* row = new QHBoxLayout;
     row->setSpacing(PageStyle::itemSpacing);
@@ -114,7 +114,7 @@ QCheckBox* AppearanceSettingsView::addCheckBox(const QString& text, const QStrin
                                                const QString& note) {
     auto* box = new QCheckBox(text, this);
     box->setObjectName(objectName);
-    box->setAccessibleName(text);
+    box->setAccessibleName(withoutMnemonic(text));
     box->setAccessibleDescription(note);
     add(box);
     addSpace(PageStyle::grid / 2);
@@ -123,11 +123,11 @@ QCheckBox* AppearanceSettingsView::addCheckBox(const QString& text, const QStrin
 }
 
 void AppearanceSettingsView::addSaveFormat(EditorPreferences& preferences) {
-    const QString title = QStringLiteral("Save format");
+    const QString title = QStringLiteral("Save &format");
     auto* label = new TextLabel(title, TextRole::heading, this);
     auto* picker = new QComboBox(this);
     picker->setObjectName(QStringLiteral("saveFormat"));
-    picker->setAccessibleName(title);
+    picker->setAccessibleName(withoutMnemonic(title));
     label->setBuddy(picker);
     for (const ScreenshotSaveFormat format : {ScreenshotSaveFormat::png, ScreenshotSaveFormat::jpg})
         picker->addItem(rawValue(format), static_cast<int>(format));

@@ -16,9 +16,9 @@ DiagnosticHistorySettingsView::DiagnosticHistorySettingsView(LocalDiagnostics& j
     rows->addWidget(new TextLabel(QStringLiteral("Diagnostics"), TextRole::heading, this));
     rows->addSpacing(PageStyle::itemSpacing);
 
-    auto* keep = new QCheckBox(QStringLiteral("Keep diagnostic history locally"), this);
+    auto* keep = new QCheckBox(QStringLiteral("&Keep diagnostic history locally"), this);
     keep->setObjectName(QStringLiteral("keepDiagnosticHistory"));
-    keep->setAccessibleName(keep->text());
+    keep->setAccessibleName(withoutMnemonic(keep->text()));
     keep->setChecked(model.enabled());
     connect(keep, &QCheckBox::toggled, &model, &DiagnosticHistoryModel::setEnabled);
     rows->addWidget(keep);
@@ -33,7 +33,7 @@ DiagnosticHistorySettingsView::DiagnosticHistorySettingsView(LocalDiagnostics& j
     auto* row = new QHBoxLayout;
     row->setSpacing(PageStyle::groupSpacing);
     QPushButton* clear =
-        makeButton(QStringLiteral("Clear History"), QStringLiteral("clearDiagnosticHistory"), this);
+        makeButton(QStringLiteral("Clear &History"), QStringLiteral("clearDiagnosticHistory"), this);
     connect(clear, &QPushButton::clicked, &model, &DiagnosticHistoryModel::clear);
     auto* status = new TextLabel(QString(), TextRole::note, this);
     status->setObjectName(QStringLiteral("diagnosticHistoryStatus"));

@@ -8,14 +8,14 @@
 LinkButton::LinkButton(const QString& text, const QString& objectName, QWidget* parent)
     : QPushButton(text, parent) {
     setObjectName(objectName);
-    setAccessibleName(text);
+    setAccessibleName(withoutMnemonic(text));
     setFlat(true);
     setCursor(Qt::PointingHandCursor);
     setAttribute(Qt::WA_Hover);
 }
 
 QSize LinkButton::sizeHint() const {
-    return makeRoom(*this, text());
+    return makeRoom(*this, withoutMnemonic(text()));
 }
 
 void LinkButton::paintEvent(QPaintEvent*) {
@@ -24,7 +24,7 @@ void LinkButton::paintEvent(QPaintEvent*) {
     shown.setUnderline(underMouse() || hasFocus());
     painter.setFont(shown);
     painter.setPen(PageStyle::accentColor(palette()));
-    painter.drawText(rect(), Qt::AlignCenter | Qt::TextHideMnemonic, text());
+    painter.drawText(rect(), Qt::AlignCenter | Qt::TextShowMnemonic, text());
     if (!hasFocus())
         return;
     QStyleOptionFocusRect focus;

@@ -13,7 +13,9 @@ class PageButton : public QPushButton {
 public:
     using QPushButton::QPushButton;
 
-    QSize sizeHint() const override { return QPushButton::sizeHint().expandedTo(makeRoom(*this, text())); }
+    QSize sizeHint() const override {
+        return QPushButton::sizeHint().expandedTo(makeRoom(*this, withoutMnemonic(text())));
+    }
     QSize minimumSizeHint() const override { return sizeHint(); }
 };
 
@@ -59,6 +61,10 @@ void PageView::setDefaultButton(QPushButton* button) {
     button->setDefault(true);
 }
 
+QString withoutMnemonic(QString text) {
+    return text.remove(u'&');
+}
+
 QSize makeRoom(const QPushButton& button, const QString& text) {
     const QFontMetrics metrics = button.fontMetrics();
     return {std::max(leastButtonWidth, metrics.horizontalAdvance(text) + 4 * PageStyle::grid),
@@ -68,7 +74,7 @@ QSize makeRoom(const QPushButton& button, const QString& text) {
 QPushButton* makeButton(const QString& text, const QString& objectName, QWidget* parent) {
     auto* button = new PageButton(text, parent);
     button->setObjectName(objectName);
-    button->setAccessibleName(text);
+    button->setAccessibleName(withoutMnemonic(text));
     return button;
 }
 

@@ -30,6 +30,8 @@ private:
     QPushButton* preferred = nullptr;
 };
 
+/// The text as it is read: without the sign before the letter that Alt presses.
+QString withoutMnemonic(QString text);
 /// The size that a button needs for a text, with room around it.
 QSize makeRoom(const QPushButton& button, const QString& text);
 /// A button with its name for automation.

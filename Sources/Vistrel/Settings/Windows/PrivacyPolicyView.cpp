@@ -61,7 +61,7 @@ PrivacyPolicyView::PrivacyPolicyView(const Publisher& publisher, QWidget* parent
     layout->addWidget(scroll, 1);
     layout->addWidget(PageStyle::divider(this));
 
-    QPushButton* done = makeButton(QStringLiteral("Done"), QStringLiteral("privacyDone"), this);
+    QPushButton* done = makeButton(QStringLiteral("&Done"), QStringLiteral("privacyDone"), this);
     done->setDefault(true);
     connect(done, &QPushButton::clicked, this, &PrivacyPolicyView::accept);
     auto* buttons = new QHBoxLayout;

@@ -36,7 +36,7 @@ ScreenshotShortcutSettings::ScreenshotShortcutSettings(const PanelSources& given
     addRecorder();
     addWarning();
     addSpace(PageStyle::margin);
-    applyButton = makeButton(QStringLiteral("Apply"), QStringLiteral("applyCaptureShortcut"), this);
+    applyButton = makeButton(QStringLiteral("&Apply"), QStringLiteral("applyCaptureShortcut"), this);
     connect(applyButton, &QPushButton::clicked, this, &ScreenshotShortcutSettings::apply);
     addButtons({applyButton});
     setDefaultButton(applyButton);
@@ -52,12 +52,12 @@ ScreenshotShortcutSettings::ScreenshotShortcutSettings(const PanelSources& given
 }
 
 void ScreenshotShortcutSettings::addChoices() {
-    keepDefault = new QRadioButton(QStringLiteral("Use ⌘⇧9"), this);
+    keepDefault = new QRadioButton(QStringLiteral("&Use ⌘⇧9"), this);
     keepDefault->setObjectName(QStringLiteral("keepDefaultShortcut"));
-    custom = new QRadioButton(QStringLiteral("Choose a custom shortcut"), this);
+    custom = new QRadioButton(QStringLiteral("&Choose a custom shortcut"), this);
     custom->setObjectName(QStringLiteral("chooseCustomShortcut"));
     for (QRadioButton* button : {keepDefault, custom}) {
-        button->setAccessibleName(button->text());
+        button->setAccessibleName(withoutMnemonic(button->text()));
         add(button);
         addSpace(PageStyle::itemSpacing);
     }
@@ -105,7 +105,7 @@ void ScreenshotShortcutSettings::addWarning() {
             "If macOS reserves your choice, change or disable it in Keyboard → Keyboard Shortcuts → "
             "Screenshots, then record it again. Vistrel does not change system shortcuts."),
         TextRole::note, warningRows));
-    QPushButton* open = makeButton(QStringLiteral("Open macOS Keyboard Shortcuts"),
+    QPushButton* open = makeButton(QStringLiteral("&Open macOS Keyboard Shortcuts"),
                                    QStringLiteral("openKeyboardShortcuts"), warningRows);
     connect(open, &QPushButton::clicked, this,
             [this] { controller.openSettings(SettingsPage::keyboardShortcuts); });
@@ -149,7 +149,8 @@ void ScreenshotShortcutSettings::apply() {
 
 void ScreenshotShortcutSettings::presentAlert() {
     const auto alert = controller.shortcutAlert();
-    if (!alert)
+    // Every assignment is told, also the one that takes the last alert back.
+    if (!alert || std::exchange(presented, alert->id) == alert->id)
         return;
     auto* box = new QMessageBox(QMessageBox::Warning, QStringLiteral("Vistrel"),
                                 QStringLiteral("Capture shortcut wasn't changed"), QMessageBox::Ok, window());

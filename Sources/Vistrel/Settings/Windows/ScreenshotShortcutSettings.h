@@ -3,6 +3,8 @@
 #include "Settings/Windows/PageView.h"
 #include "Settings/Windows/PanelSources.h"
 
+#include <QUuid>
+
 class AppController;
 class QRadioButton;
 
@@ -31,6 +33,7 @@ private:
     AppController& controller;
     Choice chosen = Choice::keepDefault;
     bool customAccepted = false;
+    QUuid presented;
     QRadioButton* keepDefault = nullptr;
     QRadioButton* custom = nullptr;
     TextLabel* current = nullptr;

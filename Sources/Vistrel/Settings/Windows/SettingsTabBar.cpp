@@ -1,6 +1,6 @@
 #include "Settings/Windows/SettingsTabBar.h"
 
-#include "Settings/Windows/PageStyle.h"
+#include "Settings/Windows/PageView.h"
 
 #include <QMouseEvent>
 #include <QPainter>
@@ -33,7 +33,7 @@ void SettingsTabBar::addSymbolTab(SettingsSymbols::Symbol symbol, const QString&
 }
 
 QSize SettingsTabBar::tabSizeHint(int index) const {
-    const int text = fontMetrics().horizontalAdvance(tabText(index));
+    const int text = fontMetrics().horizontalAdvance(withoutMnemonic(tabText(index)));
     return {std::max(leastWidth, text + 3 * PageStyle::grid),
             symbolSize + fontMetrics().height() + 2 * PageStyle::grid + PageStyle::grid / 2};
 }
@@ -63,7 +63,7 @@ void SettingsTabBar::paintEvent(QPaintEvent*) {
         SettingsSymbols::paint(painter, symbols[static_cast<std::size_t>(index)], symbol, ink);
         painter.setPen(ink);
         painter.drawText(QRectF(tab.left(), symbol.bottom(), tab.width(), tab.bottom() - symbol.bottom()),
-                         Qt::AlignCenter, tabText(index));
+                         Qt::AlignCenter | Qt::TextShowMnemonic, tabText(index));
     }
 }
 

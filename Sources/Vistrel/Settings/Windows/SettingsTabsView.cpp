@@ -9,6 +9,7 @@
 #include "Settings/Windows/UpdateSettingsView.h"
 
 #include <QFrame>
+#include <QShortcut>
 
 SettingsTabsView::SettingsTabsView(const PanelSources& given, SettingsTab initial, std::function<void()> done,
                                    QWidget* parent)
@@ -23,10 +24,10 @@ SettingsTabsView::SettingsTabsView(const PanelSources& given, SettingsTab initia
     rows->setSpacing(0);
     bar->setObjectName(QStringLiteral("settingsTabs"));
     bar->setAccessibleName(QStringLiteral("Vistrel Settings"));
-    bar->addSymbolTab(Symbol::keyboard, QStringLiteral("Shortcuts"));
-    bar->addSymbolTab(Symbol::palette, QStringLiteral("Appearance"));
-    bar->addSymbolTab(Symbol::cycle, QStringLiteral("Updates"));
-    bar->addSymbolTab(Symbol::ladybug, QStringLiteral("Support"));
+    bar->addSymbolTab(Symbol::keyboard, QStringLiteral("&Shortcuts"));
+    bar->addSymbolTab(Symbol::palette, QStringLiteral("&Appearance"));
+    bar->addSymbolTab(Symbol::cycle, QStringLiteral("&Updates"));
+    bar->addSymbolTab(Symbol::ladybug, QStringLiteral("Su&pport"));
     rows->addSpacing(PageStyle::itemSpacing);
     rows->addWidget(bar, 0, Qt::AlignHCenter);
     rows->addSpacing(PageStyle::itemSpacing);
@@ -34,7 +35,17 @@ SettingsTabsView::SettingsTabsView(const PanelSources& given, SettingsTab initia
     bar->setCurrentIndex(static_cast<int>(initial));
     connect(bar, &QTabBar::currentChanged, this,
             [this](int index) { show(static_cast<SettingsTab>(index)); });
+    turnWith({QKeySequence::NextChild, QKeySequence(Qt::CTRL | Qt::Key_PageDown)}, 1);
+    turnWith({QKeySequence::PreviousChild, QKeySequence(Qt::CTRL | Qt::Key_PageUp)}, -1);
     show(initial);
+}
+
+void SettingsTabsView::turnWith(const QList<QKeySequence>& keys, int step) {
+    for (const QKeySequence& key : keys) {
+        connect(new QShortcut(key, this), &QShortcut::activated, this, [this, step] {
+            bar->setCurrentIndex((bar->currentIndex() + step + bar->count()) % bar->count());
+        });
+    }
 }
 
 void SettingsTabsView::select(SettingsTab tab) {

@@ -2,6 +2,7 @@
 
 #include "Settings/Windows/PanelSources.h"
 
+#include <QKeySequence>
 #include <QWidget>
 
 #include <functional>
@@ -24,6 +25,8 @@ public:
     PageView* page() const { return shown; }
 
 private:
+    /// The keys go through the tabs, round the ends.
+    void turnWith(const QList<QKeySequence>& keys, int step);
     void show(SettingsTab tab);
     PageView* makePage(SettingsTab tab);
 

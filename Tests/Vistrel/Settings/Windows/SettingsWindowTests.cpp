@@ -3,6 +3,7 @@
 #include "Settings/Windows/AppPanel.h"
 #include "Settings/Windows/EditorShortcutEntry.h"
 #include "Settings/Windows/PageStyle.h"
+#include "Settings/Windows/PageView.h"
 #include "Updates/UpdateService.h"
 
 #include <QCheckBox>
@@ -13,7 +14,27 @@
 
 namespace {
 
-class SettingsWindowTest : public ::testing::Test, protected PanelFixture {};
+class SettingsWindowTest : public ::testing::Test, protected PanelFixture {
+protected:
+    /// What Alt and a letter reach in the page that is shown, the tabs included.
+    void expectOneControlPerLetter() {
+        QStringList texts;
+        const auto* bar = find<QTabBar>(*settings, "settingsTabs");
+        for (int index = 0; index < bar->count(); ++index)
+            texts << bar->tabText(index);
+        for (const auto* button : settings->findChildren<QAbstractButton*>())
+            texts << button->text();
+        for (const auto* label : settings->findChildren<QLabel*>())
+            texts << (label->buddy() ? label->text() : QString());
+        QStringList letters;
+        for (const QString& text : std::as_const(texts)) {
+            const QString keys = QKeySequence::mnemonic(text).toString();
+            EXPECT_FALSE(letters.contains(keys)) << qPrintable(text);
+            if (!keys.isEmpty())
+                letters << keys;
+        }
+    }
+};
 
 TEST_F(SettingsWindowTest, OpensOnTheShortcutsAndFitsEveryPage) {
     completeSetup();
@@ -26,7 +47,7 @@ TEST_F(SettingsWindowTest, OpensOnTheShortcutsAndFitsEveryPage) {
     QStringList labels;
     QList<int> heights;
     for (int index = 0; index < bar->count(); ++index) {
-        labels << bar->tabText(index);
+        labels << withoutMnemonic(bar->tabText(index));
         tabs.select(static_cast<SettingsTab>(index));
         settle();
         EXPECT_EQ(settings->size(), settings->panel()->size());
@@ -54,6 +75,7 @@ TEST_F(SettingsWindowTest, EverythingHasANameForScreenReadersAndTheKeyboard) {
             EXPECT_FALSE(widget->objectName().isEmpty()) << widget->metaObject()->className();
             EXPECT_TRUE(widget->focusPolicy() & Qt::TabFocus) << qPrintable(widget->objectName());
         }
+        expectOneControlPerLetter();
     }
 }
 
