@@ -265,6 +265,30 @@ std::vector<std::uint32_t> XClient::windowProperty(xcb_window_t window, const QB
     return {values, values + reply->value_len};
 }
 
+std::optional<MappedWindow> XClient::windowTitled(const QString& title) {
+    std::vector<std::uint32_t> candidates = windowProperty(root(), "_NET_CLIENT_LIST");
+    for (const MappedWindow& window : mappedWindows())
+        candidates.push_back(window.id);
+    for (const xcb_window_t id : candidates) {
+        const auto titleCookie =
+            xcb_get_property(xcb, 0, id, atom("_NET_WM_NAME"), XCB_GET_PROPERTY_TYPE_ANY, 0, 1024);
+        const auto name = own(xcb_get_property_reply(xcb, titleCookie, nullptr));
+        if (!name || QString::fromUtf8(static_cast<const char*>(xcb_get_property_value(name.get())),
+                                       xcb_get_property_value_length(name.get())) != title)
+            continue;
+        const auto attributesCookie = xcb_get_window_attributes(xcb, id);
+        const auto geometryCookie = xcb_get_geometry(xcb, id);
+        const auto originCookie = xcb_translate_coordinates(xcb, id, screen->root, 0, 0);
+        const auto attributes = own(xcb_get_window_attributes_reply(xcb, attributesCookie, nullptr));
+        const auto geometry = own(xcb_get_geometry_reply(xcb, geometryCookie, nullptr));
+        const auto origin = own(xcb_translate_coordinates_reply(xcb, originCookie, nullptr));
+        if (attributes && geometry && origin && attributes->map_state == XCB_MAP_STATE_VIEWABLE)
+            return MappedWindow{id, QRect(origin->dst_x, origin->dst_y, geometry->width, geometry->height),
+                                attributes->override_redirect != 0};
+    }
+    return std::nullopt;
+}
+
 int XClient::grabKey(std::uint32_t modifiers, std::uint8_t keyCode) {
     const auto cookie = xcb_grab_key_checked(xcb, 1, screen->root, static_cast<std::uint16_t>(modifiers),
                                              keyCode, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);

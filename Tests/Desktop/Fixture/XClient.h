@@ -74,6 +74,8 @@ public:
     /// Wakes whoever watches the root's properties.
     void touchRoot();
     std::vector<std::uint32_t> windowProperty(xcb_window_t window, const QByteArray& name);
+    /// Of a program's own window, managed or not, that is on the screen under this title.
+    std::optional<MappedWindow> windowTitled(const QString& title);
 
     /// 0, or the X error's number.
     int grabKey(std::uint32_t modifiers, std::uint8_t keyCode);

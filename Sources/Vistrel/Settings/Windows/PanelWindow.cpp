@@ -6,8 +6,12 @@
 #include "Settings/Windows/PageStyle.h"
 
 #include <QAction>
+#include <QCheckBox>
+#include <QKeyEvent>
+#include <QRadioButton>
 #include <QScreen>
 #include <QVBoxLayout>
+#include <QWindow>
 
 namespace {
 
@@ -51,6 +55,21 @@ void PanelWindow::setPanel(AppPanel* panel) {
     layout()->addWidget(panel);
 }
 
+bool PanelWindow::eventFilter(QObject* watched, QEvent* event) {
+    // Some desktops' themes let Return press whatever box has the keyboard; here it is the default button's.
+    if (event->type() == QEvent::KeyPress && watched == windowHandle()) {
+        auto* press = static_cast<QKeyEvent*>(event);
+        const bool isReturn = press->key() == Qt::Key_Return || press->key() == Qt::Key_Enter;
+        const QWidget* focused = focusWidget();
+        if (isReturn &&
+            (qobject_cast<const QCheckBox*>(focused) || qobject_cast<const QRadioButton*>(focused))) {
+            keyPressEvent(press);
+            return true;
+        }
+    }
+    return QDialog::eventFilter(watched, event);
+}
+
 void PanelWindow::bringToFront() {
     if (!placed) {
         placed = true;
@@ -61,6 +80,7 @@ void PanelWindow::bringToFront() {
     if (isMinimized())
         showNormal();
     show();
+    windowHandle()->installEventFilter(this);
     raise();
     activateWindow();
 }

@@ -19,6 +19,8 @@ public:
     void bringToFront();
 
 protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
     AppController& controller;
 
 private:
