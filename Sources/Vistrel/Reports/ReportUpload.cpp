@@ -6,10 +6,10 @@
 #include <utility>
 
 ReportUpload::ReportUpload(Request uploadRequest, QObject* parent)
-    : QObject(parent), request(std::move(uploadRequest)) {
+    : QObject(parent), request(std::move(uploadRequest)), outgoing(request.report) {
     promise.start();
     session.setRedirectPolicy(QNetworkRequest::ManualRedirectPolicy);
-    reply.reset(session.post(networkRequest(), request.report));
+    reply.reset(session.post(networkRequest(), &outgoing));
     // One byte more than is allowed tells that it is too much.
     reply->setReadBufferSize(ReportReceipt::largestBody + 1);
     connect(reply.get(), &QNetworkReply::readyRead, this, &ReportUpload::receive);
@@ -29,6 +29,8 @@ QNetworkRequest ReportUpload::networkRequest() const {
     result.setSslConfiguration(request.tls);
     result.setTransferTimeout(request.requestTimeoutMS);
     result.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
+    result.setHeader(QNetworkRequest::ContentLengthHeader, request.report.size());
+    result.setAttribute(QNetworkRequest::DoNotBufferUploadDataAttribute, true);
     result.setRawHeader("Accept", "application/json");
     // Left to itself the library would ask for compression and tell the user's language.
     result.setRawHeader("Accept-Encoding", "identity");
@@ -71,6 +73,9 @@ std::optional<Error> ReportUpload::transferError(QNetworkReply::NetworkError err
     // An unreachable network has no number of its own.
     case QNetworkReply::UnknownNetworkError:
         return reportUploadError(ReportUploadError::offline);
+    case QNetworkReply::ContentReSendError:
+        // The connection broke, or a redirect would have had the body once more.
+        return reportUploadError(answered ? ReportUploadError::unavailable : ReportUploadError::offline);
     default:
         // From here on the numbers stand for answers that the library takes for failures (4xx, 5xx).
         if (error >= QNetworkReply::ContentAccessDenied && error != QNetworkReply::ProtocolFailure &&

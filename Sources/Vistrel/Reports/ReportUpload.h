@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Reports/ReportBody.h"
 #include "VistrelPlatform/Result.h"
 
 #include <QFuture>
@@ -43,6 +44,7 @@ private:
 
     Request request;
     QPromise<Result<void>> promise;
+    ReportBody outgoing;
     QNetworkAccessManager session;
     std::unique_ptr<QNetworkReply> reply;
     QByteArray body;

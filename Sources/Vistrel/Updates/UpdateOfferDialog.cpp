@@ -1,6 +1,7 @@
 #include "Updates/UpdateOfferDialog.h"
 
 #include "Updates/ReleaseNotesView.h"
+#include "Updates/UpdateDialogStyle.h"
 #include "VistrelPlatform/Update/ReleaseNotes.h"
 
 #include <QDesktopServices>
@@ -10,6 +11,9 @@
 #include <QVBoxLayout>
 
 namespace {
+
+constexpr int dialogWidth = 520;
+constexpr int heightWithNotes = 420;
 
 /// Where somebody finds the new version who updates without us.
 QUrl pageOf(const AppcastItem& item) {
@@ -24,17 +28,17 @@ UpdateOfferDialog::UpdateOfferDialog(const UpdateOffer& offer, QWidget* parent)
     setObjectName(QStringLiteral("updateOffer"));
     setAccessibleName(QStringLiteral("Vistrel Update"));
     auto* layout = new QVBoxLayout(this);
+    UpdateDialogStyle::apply(*layout);
     addTexts(offer, *layout);
     addNotes(offer, *layout);
     addButtons(offer, *layout);
-    resize(520, offer.item.notes.isEmpty() ? sizeHint().height() : 420);
+    resize(dialogWidth,
+           offer.item.notes.isEmpty() ? layout->totalHeightForWidth(dialogWidth) : heightWithNotes);
 }
 
 void UpdateOfferDialog::addTexts(const UpdateOffer& offer, QVBoxLayout& layout) {
     auto* heading = new QLabel(QStringLiteral("A new version of Vistrel is available"), this);
-    QFont bold = heading->font();
-    bold.setBold(true);
-    heading->setFont(bold);
+    heading->setFont(UpdateDialogStyle::heading(heading->font()));
     QString text = QStringLiteral("Vistrel %1 is available; you have %2.")
                        .arg(offer.item.displayVersion, offer.currentVersion);
     if (!offer.installable)

@@ -1,5 +1,7 @@
 #include "Updates/UpdateProgressDialog.h"
 
+#include "Updates/UpdateDialogStyle.h"
+
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLocale>
@@ -16,7 +18,8 @@ UpdateProgressDialog::UpdateProgressDialog(QWidget* parent)
     setWindowTitle(QStringLiteral("Vistrel Update"));
     setObjectName(QStringLiteral("updateProgress"));
     setAccessibleName(QStringLiteral("Vistrel Update"));
-    setMinimumWidth(360);
+    setMinimumWidth(UpdateDialogStyle::textWidth + 2 * UpdateDialogStyle::margin);
+    activity->setFont(UpdateDialogStyle::heading(activity->font()));
     activity->setObjectName(QStringLiteral("updateActivity"));
     bar->setObjectName(QStringLiteral("updateProgressBar"));
     bar->setAccessibleName(QStringLiteral("Progress"));
@@ -30,6 +33,7 @@ UpdateProgressDialog::UpdateProgressDialog(QWidget* parent)
     below->addWidget(amount, 1);
     below->addWidget(cancelButton);
     auto* layout = new QVBoxLayout(this);
+    UpdateDialogStyle::apply(*layout);
     layout->addWidget(activity);
     layout->addWidget(bar);
     layout->addLayout(below);

@@ -1,8 +1,10 @@
 #include "Updates/UpdateWindows.h"
 
+#include "Updates/UpdateDialogStyle.h"
 #include "Updates/UpdateOfferDialog.h"
 #include "Updates/UpdateProgressDialog.h"
 
+#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -14,6 +16,8 @@ QMessageBox* message(QMessageBox::Icon icon, const QString& text, const QString&
     box->setAccessibleName(text);
     box->setTextFormat(Qt::PlainText);
     box->setInformativeText(details);
+    if (auto* label = box->findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel")))
+        label->setMinimumWidth(UpdateDialogStyle::textWidth);
     return box;
 }
 

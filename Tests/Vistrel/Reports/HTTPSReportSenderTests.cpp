@@ -134,8 +134,10 @@ TEST_F(HTTPSReportSenderTests, aCutConnectionIsOffline) {
         socket.disconnectFromHost();
     };
     EXPECT_EQ(send(), ReportUploadError::offline);
+    server.requests.clear();
     server.answer = [](QTcpSocket& socket, const auto&) { socket.abort(); };
     EXPECT_EQ(send(), ReportUploadError::offline);
+    EXPECT_EQ(server.requests.size(), 1U) << "one press, one upload";
     // What is no HTTP ends the connection, too.
     server.answer = [](QTcpSocket& socket, const auto&) { socket.write("220 mail ready\r\n\r\n"); };
     EXPECT_EQ(send(), ReportUploadError::offline);

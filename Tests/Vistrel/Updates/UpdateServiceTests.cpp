@@ -105,7 +105,7 @@ TEST_F(UpdateServiceTests, cannotCheckWhileAFeedIsAwaited) {
                      [&] { values << (service.canCheck() ? QStringLiteral("yes") : QStringLiteral("no")); });
     service.checkForUpdates();
     EXPECT_EQ(values.last(), QStringLiteral("no"));
-    EXPECT_EQ(service.updateHost(), QStringLiteral("localhost"));
+    EXPECT_EQ(service.updateHost(), QStringLiteral("127.0.0.1"));
 }
 
 // The probe

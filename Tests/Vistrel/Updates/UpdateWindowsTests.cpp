@@ -68,7 +68,9 @@ TEST_F(UpdateWindowsTests, returnInstallsOnlyWhatCanBeInstalled) {
     EXPECT_TRUE(find<QPushButton>("updateInstall")->isDefault());
     windows.showOffer(offerOf(false), {});
     EXPECT_EQ(find<QPushButton>("updateInstall"), nullptr);
-    EXPECT_TRUE(find<QLabel>("updateDescription")->text().contains(QStringLiteral("package manager")));
+    const QString text = find<QLabel>("updateDescription")->text();
+    EXPECT_TRUE(text.contains(QStringLiteral("package manager")));
+    EXPECT_TRUE(text.endsWith(QStringLiteral("is at https://example.org/page.")));
     QUrl opened;
     dynamic_cast<UpdateOfferDialog*>(windows.window())->onOpenPage = [&](const QUrl& page) { opened = page; };
     QTest::mouseClick(find<QPushButton>("updateOpenPage"), Qt::LeftButton);

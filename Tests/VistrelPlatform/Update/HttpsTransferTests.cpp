@@ -79,6 +79,7 @@ INSTANTIATE_TEST_SUITE_P(
                    ""},
         AnswerCase{"missing", TestServer::whole("hello", "404 Not Found"), "Not Found"},
         AnswerCase{"serverError", TestServer::whole("hello", "500 Broken"), "Broken"},
+        AnswerCase{"longErrorPage", TestServer::whole(QByteArray(100000, 'x'), "503 Busy"), "status 503"},
         AnswerCase{"noContent", TestServer::whole("", "204 No Content"), "status 204"},
         AnswerCase{"cutShort", TestServer::cutShort("hello", 50), "closed"},
         AnswerCase{"cutShortInHeaders",
@@ -116,7 +117,7 @@ TEST_F(HttpsTransferTests, followsTheSameServer) {
 
 struct PeerCase {
     const char* name;
-    TestAuthority::Wish identity;
+    TestAuthority::Subject identity;
     bool trusted;
     const char* failure;
 };
@@ -140,8 +141,8 @@ INSTANTIATE_TEST_SUITE_P(
     Peers, HttpsPeerTests,
     ::testing::Values(PeerCase{"unknownAuthority", {}, false, "cannot be trusted"},
                       PeerCase{"anotherHost", {"DNS:example.org"}, true, "host name"},
-                      PeerCase{"expired", {"DNS:localhost", -5, -1}, true, "expired"},
-                      PeerCase{"notYetValid", {"DNS:localhost", 1, 2}, true, "not yet valid"}),
+                      PeerCase{"expired", {"IP:127.0.0.1", -7200, -60}, true, "expired"},
+                      PeerCase{"notYetValid", {"IP:127.0.0.1", 3600, 7200}, true, "not yet valid"}),
     [](const auto& entry) { return std::string(entry.param.name); });
 
 TEST_F(HttpsTransferTests, silenceAndEndlessTricklesEnd) {

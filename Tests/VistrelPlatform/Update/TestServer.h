@@ -1,6 +1,6 @@
 #pragma once
 
-#include "VistrelPlatform/Update/TestAuthority.h"
+#include "Support/TestAuthority.h"
 
 #include <QSslConfiguration>
 #include <QSslServer>
@@ -17,8 +17,8 @@ public:
     /// What is done with a connection once a request has been read.
     using Answer = std::function<void(QSslSocket&)>;
 
-    TestServer() : TestServer(TestAuthority::Wish()) {}
-    explicit TestServer(const TestAuthority::Wish& identity) {
+    TestServer() : TestServer(TestAuthority::Subject()) {}
+    explicit TestServer(const TestAuthority::Subject& identity) {
         const TestAuthority::Identity own = authority.issue(identity);
         QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
         tls.setLocalCertificate(own.certificate);
@@ -30,7 +30,7 @@ public:
     }
 
     QUrl address(const QString& path = QStringLiteral("/feed")) const {
-        return QUrl(QStringLiteral("https://localhost:%1%2").arg(server.serverPort()).arg(path));
+        return QUrl(QStringLiteral("https://127.0.0.1:%1%2").arg(server.serverPort()).arg(path));
     }
     QList<QSslCertificate> authorities() const { return {authority.certificate()}; }
 

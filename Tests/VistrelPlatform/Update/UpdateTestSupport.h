@@ -8,6 +8,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
+#include <QThread>
 #include <QUrl>
 
 #include <functional>
@@ -15,8 +16,10 @@
 /// Runs the event loop until `done`; false after a time that no healthy machine needs.
 inline bool waitUntil(const std::function<bool()>& done) {
     const QDeadlineTimer deadline(60000);
-    while (!done() && !deadline.hasExpired())
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents, 20);
+    while (!done() && !deadline.hasExpired()) {
+        QCoreApplication::processEvents();
+        QThread::msleep(1);
+    }
     return done();
 }
 

@@ -323,7 +323,36 @@ TEST_F(UpdaterTests, unusableConfigurationsDoNotStart) {
     EXPECT_FALSE(startsWith([](auto& changed) { changed.version = QStringLiteral("development"); }));
 }
 
-TEST_F(UpdaterTests, aDueCheckComesByItselfUnlessSwitchedOff) {
+TEST_F(UpdaterTests, aDueCheckComesByItselfAfterTheSetupUnlessSwitchedOff) {
+    defaults.setNumber(QStringLiteral("SULastCheckTime"), 0);
+    configuration.quietTime = std::chrono::milliseconds(1);
+    user.choice = UpdateChoice::remindLater;
+    int asked = 0;
+    bool throughSetup = false;
+    const auto startAsking = [&] {
+        start();
+        updater->mayCheckUnasked = [&] {
+            ++asked;
+            return throughSetup;
+        };
+    };
+    defaults.setBoolean(QStringLiteral("SUEnableAutomaticChecks"), false);
+    startAsking();
+    run(&Updater::checkForUpdateInformation);
+    EXPECT_EQ(asked, 0);
+
+    defaults.setBoolean(QStringLiteral("SUEnableAutomaticChecks"), true);
+    server.requests.clear();
+    startAsking();
+    ASSERT_TRUE(waitUntil([&] { return asked >= 2; }));
+    EXPECT_TRUE(server.requests.isEmpty());
+    throughSetup = true;
+    ASSERT_TRUE(waitUntil([&] { return cycles.size() == 2; }));
+    EXPECT_EQ(user.shown, QStringList(QStringLiteral("offer 2.0")));
+    EXPECT_GT(*defaults.number(QStringLiteral("SULastCheckTime")), 0);
+}
+
+TEST_F(UpdaterTests, theNextCheckIsDueADayAfterTheLast) {
     const auto now = static_cast<double>(QDateTime::currentSecsSinceEpoch());
     struct Row {
         const char* name;
