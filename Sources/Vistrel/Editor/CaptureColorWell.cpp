@@ -1,5 +1,6 @@
 #include "Editor/CaptureColorWell.h"
 
+#include "Editor/DevicePixels.h"
 #include "Editor/EditorButton.h"
 #include "Editor/EditorColors.h"
 #include "Editor/EditorHint.h"
@@ -219,13 +220,19 @@ void CaptureColorWell::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const double radius = std::min(width() / 7.0, 6.0);
-    const QRectF bounds = QRectF(rect()).adjusted(1, 1, -1, -1);
+    // The outline lies around a path one point inside the edge; its own edges are whole device pixels.
+    const double pixel = DevicePixels::one(painter);
+    const double line = std::max(std::round(1 / pixel), 1.0) * pixel;
+    const double outside = std::max(std::round(0.5 / pixel), 1.0) * pixel;
+    const double inset = outside + line / 2;
+    const QRectF bounds =
+        DevicePixels::aligned(painter, QRectF(rect())).adjusted(inset, inset, -inset, -inset);
     QColor outline = EditorColors::accent();
     if (!isActive()) {
         outline = EditorColors::ink();
         outline.setAlphaF(0.4F);
     }
-    painter.setPen(QPen(outline, 1));
+    painter.setPen(QPen(outline, line));
     painter.setBrush(isEnabled() ? shown : EditorColors::background());
     painter.drawRoundedRect(bounds, radius, radius);
     if (isHovered() && isEnabled()) {

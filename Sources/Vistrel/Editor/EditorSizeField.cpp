@@ -30,6 +30,11 @@ EditorSizeField::EditorSizeField(QWidget* parent) : QLineEdit(parent) {
         colors.setColor(group, QPalette::Base, Qt::transparent); // The bezel is painted below the text.
     setPalette(colors);
     setDigits(fullDigitSize, 0);
+    connect(this, &QLineEdit::textChanged, this, [this](const QString& text) {
+        // Assistive technology writes into the field without giving it the keyboard.
+        if (text != shownText && !hasFocus())
+            commit();
+    });
 }
 
 std::optional<int> EditorSizeField::number(const QString& text) {
@@ -47,11 +52,15 @@ std::optional<int> EditorSizeField::number(const QString& text) {
 }
 
 void EditorSizeField::showSize(int size) {
-    if (isEditing() && isModified())
+    if (isEditing() && isPending())
         return;
-    const QString shown = QString::number(size);
-    if (text() != shown)
-        setText(shown);
+    shownText = QString::number(size);
+    if (text() != shownText)
+        setText(shownText);
+}
+
+bool EditorSizeField::isPending() const {
+    return isModified() || text() != shownText;
 }
 
 void EditorSizeField::setDigits(double points, double covered) {
@@ -75,6 +84,7 @@ void EditorSizeField::setCornerRadius(double points) {
 
 void EditorSizeField::commit() {
     setModified(false);
+    shownText = text();
     if (onCommit)
         onCommit();
 }
@@ -123,7 +133,7 @@ void EditorSizeField::mouseReleaseEvent(QMouseEvent* event) {
 void EditorSizeField::focusOutEvent(QFocusEvent* event) {
     QLineEdit::focusOutEvent(event);
     deselect();
-    if (isModified())
+    if (isPending())
         commit();
 }
 

@@ -34,7 +34,10 @@ protected:
 
 private:
     void commit();
+    /// What it shows is not the size it was told.
+    bool isPending() const;
 
+    QString shownText;
     double digits = 0;
     double radius = 6;
     bool selectOnRelease = false;

@@ -1,5 +1,6 @@
 #include "Editor/EditorStepButton.h"
 
+#include "Editor/DevicePixels.h"
 #include "Editor/EditorColors.h"
 
 #include <QPainter>
@@ -29,7 +30,9 @@ void EditorStepButton::paintContent(QPainter& painter) {
     QColor color = EditorColors::ink();
     color.setAlphaF(isEnabled() ? 1.0F : 0.4F);
     painter.setPen(QPen(color, glyphLine, Qt::SolidLine, Qt::RoundCap));
-    const QPointF center = QRectF(rect()).center();
+    // The bars' edges, not their middles, lie on whole device pixels.
+    const QPointF half(glyphLine / 2, glyphLine / 2);
+    const QPointF center = DevicePixels::aligned(painter, QRectF(rect()).center() - half) + half;
     // One path, so that the bars do not darken each other where they cross.
     QPainterPath glyph;
     const double reach = std::max((length - glyphLine) / 2, 0.1); // The round caps take the rest.
