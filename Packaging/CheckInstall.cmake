@@ -10,7 +10,8 @@ endif()
 file(GLOB_RECURSE installed RELATIVE ${prefix} ${prefix}/*)
 set(expected bin/vistrel share/vistrel/Info.json share/vistrel/Files.txt
   share/applications/com.orvane.Vistrel.desktop share/metainfo/com.orvane.Vistrel.metainfo.xml
-  share/icons/hicolor/scalable/apps/com.orvane.Vistrel.svg)
+  share/icons/hicolor/scalable/apps/com.orvane.Vistrel.svg
+  share/icons/hicolor/symbolic/apps/com.orvane.Vistrel-symbolic.svg)
 foreach(size 16 32 64 128 256 512)
   list(APPEND expected share/icons/hicolor/${size}x${size}/apps/com.orvane.Vistrel.png)
 endforeach()

@@ -49,6 +49,8 @@ install(FILES ${CMAKE_CURRENT_LIST_DIR}/../Resources/com.orvane.Vistrel.desktop 
 install(FILES ${CMAKE_BINARY_DIR}/Packaging/com.orvane.Vistrel.metainfo.xml DESTINATION share/metainfo)
 install(FILES ${CMAKE_CURRENT_LIST_DIR}/../Resources/com.orvane.Vistrel.svg
   DESTINATION share/icons/hicolor/scalable/apps)
+install(FILES ${CMAKE_CURRENT_LIST_DIR}/../Resources/com.orvane.Vistrel-symbolic.svg
+  DESTINATION share/icons/hicolor/symbolic/apps)
 
 foreach(variant 64 128 256)
   install(DIRECTORY ${CMAKE_CURRENT_LIST_DIR}/../Resources/EditorIcons/${variant}

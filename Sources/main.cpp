@@ -29,6 +29,7 @@
 #include "VistrelPlatform/X11/X11HotKeyBackend.h"
 #include "VistrelPlatform/X11/X11KeyboardLayout.h"
 #include "VistrelPlatform/X11/X11OverlayWindows.h"
+#include "VistrelPlatform/X11/X11Panels.h"
 #include "VistrelPlatform/X11/X11ScreenCapturer.h"
 #include "VistrelPlatform/X11/X11ScreenList.h"
 #include "VistrelPlatform/X11/X11TrayHost.h"
@@ -172,7 +173,7 @@ ResidentProgram::ResidentProgram(QStringList commandLine)
     : controller(services(std::move(commandLine))),
       panelSources{controller, bundle, [this] { return makeReportModel(); },
                    [this](KeyCode key) { return keyboard.textOf(key); }},
-      statusItem(controller, {&busPanels, &embeddingPanels}) {
+      statusItem(controller, {&busPanels, &embeddingPanels}, X11Panels::brightness) {
     controller.presentation = presentation();
     updates.mayCheckUnasked = [this] { return !controller.needsSetup(); };
     updates.mayInterrupt = [this] { return !coordinator || !coordinator->busy(); };

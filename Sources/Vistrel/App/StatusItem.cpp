@@ -96,12 +96,18 @@ std::optional<int> panelLuminance(const QRect& icon) {
 
 } // namespace
 
-StatusItem::StatusItem(AppController& owner, std::vector<TrayHost*> possibleHosts, QObject* parent)
-    : QObject(parent), controller(owner), hosts(std::move(possibleHosts)) {
+StatusItem::StatusItem(AppController& owner, std::vector<TrayHost*> possibleHosts,
+                       std::function<std::optional<int>()> panelBrightness, QObject* parent)
+    : QObject(parent),
+      controller(owner),
+      hosts(std::move(possibleHosts)),
+      panels(std::move(panelBrightness)) {
     menu.setObjectName(QStringLiteral("statusMenu"));
     menu.setAccessibleName(QStringLiteral("Vistrel"));
     connect(&owner, &AppController::statusMenuChanged, this, &StatusItem::updateMenu);
     connect(&menu, &QMenu::aboutToShow, &owner, &AppController::refreshMenu);
+    // The panel may have changed its colours since.
+    connect(&menu, &QMenu::aboutToShow, this, &StatusItem::updateIcon);
     // The click that closes the menu must not capture as well.
     connect(&menu, &QMenu::aboutToHide, this, [this] {
         menuJustClosed = true;
@@ -186,14 +192,15 @@ void StatusItem::correctChecks() {
 void StatusItem::updateIcon() {
     if (!tray)
         return;
-    const auto luminance = panelLuminance(tray->geometry());
-    const QColor fallback = textColor();
-    const QColor color =
-        luminance ? (*luminance < darkLuminance ? QColor(Qt::white) : QColor(Qt::black)) : fallback;
-    QIcon icon = VistrelIcon::icon(color);
-    if (hosts.front()->isPresent())
-        icon = QIcon::fromTheme(QStringLiteral("com.orvane.Vistrel-symbolic"), icon);
-    tray->setIcon(icon);
+    // Only hosts that embed a window tell where it is.
+    auto luminance = panelLuminance(tray->geometry());
+    if (!luminance && panels)
+        luminance = panels();
+    if (luminance)
+        tray->setIcon(VistrelIcon::icon(*luminance < darkLuminance ? Qt::white : Qt::black));
+    else
+        tray->setIcon(
+            QIcon::fromTheme(QStringLiteral("com.orvane.Vistrel-symbolic"), VistrelIcon::icon(textColor())));
 }
 
 bool StatusItem::eventFilter(QObject* watched, QEvent* event) {

@@ -6,7 +6,9 @@
 #include <QMenu>
 #include <QSystemTrayIcon>
 
+#include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 /// The program's item in the panel: a left click captures, a right click opens the menu. Main thread.
@@ -14,8 +16,10 @@
 class StatusItem : public QObject {
     Q_OBJECT
 public:
-    /// Everything is borrowed. The first host, when present, draws the icon in the panel's own colours.
-    StatusItem(AppController& owner, std::vector<TrayHost*> possibleHosts, QObject* parent = nullptr);
+    /// Everything is borrowed. `panelBrightness` tells, 0 to 255, what the icon is going to stand on; absent
+    /// where the panel draws items in its own colours or cannot be seen.
+    StatusItem(AppController& owner, std::vector<TrayHost*> possibleHosts,
+               std::function<std::optional<int>()> panelBrightness = {}, QObject* parent = nullptr);
     ~StatusItem() override;
 
     /// Whether the user can reach the item at the moment.
@@ -36,6 +40,7 @@ private:
 
     AppController& controller;
     std::vector<TrayHost*> hosts;
+    std::function<std::optional<int>()> panels;
     QMenu menu;
     std::vector<StatusMenu::Item> shown;
     std::unique_ptr<QSystemTrayIcon> tray;
