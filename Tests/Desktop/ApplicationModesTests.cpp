@@ -3,6 +3,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QStandardPaths>
 
 #include <gtest/gtest.h>
 
@@ -104,6 +105,48 @@ TEST(ApplicationModes, TheIconsetHasTenPicturesOfTheirSizesAndTheDiagnosticsEver
     };
     EXPECT_EQ(lines[5], "Display " + number("L") + ": 1280 × 720, scale 2.0");
     EXPECT_EQ(lines[6], "Display " + number("R") + ": 800 × 600, scale 1.25");
+}
+
+TEST(ApplicationModes, TheDiagnosticsAskTheDesktopThatRuns) {
+    ApplicationOnDesktop vistrel({.screenSize = {640, 480}, .sessionBus = true});
+    const auto missing = [](const char* program) {
+        return QStandardPaths::findExecutable(QLatin1StringView(program)).isEmpty();
+    };
+    const auto conflicts = [&](const char* desktop) {
+        vistrel.session.setEnvironment("XDG_CURRENT_DESKTOP", desktop);
+        QByteArray printed;
+        EXPECT_EQ(vistrel.runAgain({QStringLiteral("--diagnostics")}, &printed), 0);
+        const QList<QByteArray> lines = printed.split('\n');
+        return (lines.value(3).split(' ').last() + ' ' + lines.value(4).split(' ').last()).toStdString();
+    };
+    if (missing("xfconf-query") || missing("kglobalaccel5"))
+        GTEST_SKIP() << "xfconf or libkf5globalaccel-bin is not installed";
+
+    const QString commands = QStringLiteral("/commands/custom/");
+    for (const QStringList& property :
+         {QStringList{QStringLiteral("<Super><Shift>9"), QStringLiteral("string"), QStringLiteral("x")},
+          QStringList{QStringLiteral("override"), QStringLiteral("bool"), QStringLiteral("true")}}) {
+        const auto setter =
+            vistrel.session.start(QStringLiteral("xfconf-query"),
+                                  {QStringLiteral("-c"), QStringLiteral("xfce4-keyboard-shortcuts"),
+                                   QStringLiteral("-p"), commands + property[0], QStringLiteral("-n"),
+                                   QStringLiteral("-t"), property[1], QStringLiteral("-s"), property[2]});
+        ASSERT_EQ(setter->waitForExit(patience), 0) << setter->standardError().constData();
+    }
+    EXPECT_EQ(conflicts("XFCE"), "false true");
+
+    QDir().mkpath(vistrel.session.dataHome() + QStringLiteral("/applications"));
+    QFile entry(vistrel.session.dataHome() + QStringLiteral("/applications/org.test.Shot.desktop"));
+    ASSERT_TRUE(entry.open(QIODevice::WriteOnly));
+    entry.write("[Desktop Entry]\nType=Application\nName=Shot\nExec=true\nX-KDE-Shortcuts=Meta+Shift+4\n");
+    entry.close();
+    QFile shortcuts(vistrel.session.configHome() + QStringLiteral("/kglobalshortcutsrc"));
+    ASSERT_TRUE(shortcuts.open(QIODevice::WriteOnly));
+    shortcuts.write("[org.test.Shot.desktop]\n_k_friendly_name=Shot\n_launch=Meta+Shift+4,none,Shot\n");
+    shortcuts.close();
+    const auto service = vistrel.session.start(QStringLiteral("kglobalaccel5"));
+    EXPECT_TRUE(waitUntil([&] { return conflicts("KDE") == "true false"; }));
+    EXPECT_EQ(conflicts("i3"), "false false");
 }
 
 TEST(ApplicationModes, AnInstalledProgramEntersTheLoginOnceAndNeverOverrulesItsUser) {
