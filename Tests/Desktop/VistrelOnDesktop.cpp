@@ -13,15 +13,11 @@
 namespace {
 constexpr KeyCode digitNine = 25;
 const QMap<char, KeyCode> letterKeys = {{'a', 0}, {'s', 1}, {'z', 6}, {'x', 7}, {'c', 8}, {'v', 9}};
-
-/// The one just built, unless the environment names another (an installed one, say).
-QString programPath() {
-    return qEnvironmentVariable("VISTREL_PROGRAM", QStringLiteral(VISTREL_BUILT_PROGRAM));
-}
 } // namespace
 
 VistrelOnDesktop::VistrelOnDesktop(const DesktopSession::Options& options, const QJsonObject& defaults)
-    : session(options) {
+    : session(options),
+      programPath(qEnvironmentVariable("VISTREL_PROGRAM", QStringLiteral(VISTREL_BUILT_PROGRAM))) {
     QJsonObject all{{QStringLiteral("onboardingVersion"), 2}, {QStringLiteral("onboardingComplete"), true}};
     for (auto key = defaults.begin(); key != defaults.end(); ++key)
         all.insert(key.key(), key.value());
@@ -47,7 +43,7 @@ void VistrelOnDesktop::start() {
 }
 
 std::unique_ptr<ChildProgram> VistrelOnDesktop::startProgram(const QStringList& arguments) {
-    return session.start(programPath(), arguments);
+    return session.start(programPath, arguments);
 }
 
 std::optional<int> VistrelOnDesktop::runAgain(const QStringList& arguments, QByteArray* output) {
@@ -105,6 +101,36 @@ bool VistrelOnDesktop::waitFor(const QString& action, int times) {
                       << actions().join(u' ').toStdString()
                       << (program ? program->standardError().constData() : "");
     return seen;
+}
+
+xcb_window_t VistrelOnDesktop::nextFocus(xcb_window_t before) {
+    xcb_window_t focused = XCB_NONE;
+    const bool found = waitUntil([&] {
+        XClient& client = session.client();
+        focused = client.focusedWindow();
+        if (focused <= XCB_INPUT_FOCUS_POINTER_ROOT || focused == before || focused == client.root())
+            return false;
+        const auto owner = client.windowProperty(focused, "_NET_WM_PID");
+        return !owner.empty() && static_cast<pid_t>(owner.front()) == program->id();
+    });
+    return found ? focused : XCB_NONE;
+}
+
+std::vector<MappedWindow> VistrelOnDesktop::windows() {
+    std::vector<MappedWindow> all = session.client().mappedWindows();
+    std::erase_if(all, [](const MappedWindow& window) {
+        return window.rect.width() < 20 || window.rect.height() < 20 || window.rect.right() < 0 ||
+               window.rect.bottom() < 0;
+    });
+    return all;
+}
+
+bool VistrelOnDesktop::openSettings(int tab) {
+    if (runAgain({}) != 0 || nextFocus() == XCB_NONE)
+        return false;
+    for (int step = 0; step < tab; ++step)
+        session.input().key(Key::rightArrow);
+    return true;
 }
 
 QImage VistrelOnDesktop::clipboardImage() {

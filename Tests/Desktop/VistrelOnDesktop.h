@@ -43,8 +43,18 @@ public:
 
     QImage clipboardImage();
 
+    /// The program's window that has the keyboard, waited for until it is another than `before`; XCB_NONE
+    /// when none comes.
+    xcb_window_t nextFocus(xcb_window_t before = XCB_NONE);
+    /// What stands on the screen, lowest first, without the specks that window managers keep for themselves.
+    std::vector<MappedWindow> windows();
+    /// Starts a second copy, which brings the settings forward, and goes to the tab.
+    [[nodiscard]] bool openSettings(int tab);
+
     DesktopSession session;
     std::unique_ptr<ChildProgram> program;
+    /// The one just built, unless the environment or the test names another (an installed one, say).
+    QString programPath;
 
 private:
     int captures = 0;

@@ -41,10 +41,7 @@ QNetworkRequest networkRequest(const HttpsTransfer::Request& what, const QUrl& a
     request.setRawHeader("User-Agent", what.userAgent);
     request.setTransferTimeout(static_cast<int>(what.silence.count()));
 
-    QSslConfiguration tls = TrustedAuthorities::tls();
-    if (!what.testAuthorities.isEmpty())
-        tls.setCaCertificates(what.testAuthorities);
-    request.setSslConfiguration(tls);
+    request.setSslConfiguration(TrustedAuthorities::tls(what.testAuthorities));
     return request;
 }
 
