@@ -1,6 +1,7 @@
 #include "Overlay/CaptureOverlayWindow.h"
 
 #include <QApplication>
+#include <QBackingStore>
 #include <QKeyEvent>
 #include <QWindow>
 
@@ -14,6 +15,11 @@ CaptureOverlayWindow::CaptureOverlayWindow(const Screen& screen, EditorPreferenc
     setFocusProxy(canvas);
     const Size points = screen.pointSize();
     resize(static_cast<int>(std::lround(points.width)), static_cast<int>(std::lround(points.height)));
+}
+
+void CaptureOverlayWindow::releasePixels() {
+    if (QBackingStore* store = backingStore())
+        store->resize({});
 }
 
 bool CaptureOverlayWindow::event(QEvent* event) {

@@ -14,6 +14,9 @@ public:
     const Screen& screen() const { return display; }
     CaptureOverlayView& view() const { return *canvas; }
 
+    /// Gives back the memory of what was painted, a display's worth of pixels; the next paint takes new.
+    void releasePixels();
+
     /// A dialog of ours is in front: Escape is the dialog's.
     bool dialogAttached = false;
 

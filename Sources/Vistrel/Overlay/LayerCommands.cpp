@@ -74,7 +74,7 @@ void LayerCommands::reorderAnnotation(const QUuid& id, int index) {
 
 void LayerCommands::recordChange(const EditorState& before) {
     session.document.history.record(before, session.document.state);
-    session.allLayersChanged();
+    session.layersChanged(before.annotations);
     session.hooks.onChange();
 }
 
@@ -172,9 +172,9 @@ void LayerCommands::travel(Action action) {
                                                               : document.history.redo(document.state);
     if (!shown)
         return;
-    document.state = *std::move(shown);
+    const EditorState before = std::exchange(document.state, *std::move(shown));
     session.report(action);
-    session.allLayersChanged();
+    session.layersChanged(before.annotations);
     session.hooks.onChange();
 }
 

@@ -1,5 +1,7 @@
 #include "Overlay/OverlaySession.h"
 
+#include <algorithm>
+
 void OverlaySession::report(Diagnostic::Action action, std::optional<AnnotationTool> style,
                             std::optional<int> size) {
     Diagnostic::Details details;
@@ -23,11 +25,26 @@ void OverlaySession::replaceLayer(const EditorAnnotation& layer) {
 
 void OverlaySession::layerChanged(std::size_t index, const Rect& area) {
     damage.add(area);
-    damageEffectsAbove(index, area);
+    damageEffectsFrom(index + 1, area);
 }
 
-void OverlaySession::allLayersChanged() {
-    damage.add(document.selection);
+void OverlaySession::layersChanged(const std::vector<EditorAnnotation>& before) {
+    const auto& after = document.state.annotations;
+    const auto [firstBefore, firstAfter] = std::ranges::mismatch(before, after);
+    auto lastBefore = before.end();
+    auto lastAfter = after.end();
+    while (lastBefore != firstBefore && lastAfter != firstAfter && *(lastBefore - 1) == *(lastAfter - 1)) {
+        --lastBefore;
+        --lastAfter;
+    }
+    const auto lowest = static_cast<std::size_t>(firstAfter - after.begin());
+    for (const auto& changed :
+         {std::ranges::subrange(firstBefore, lastBefore), std::ranges::subrange(firstAfter, lastAfter)}) {
+        for (const EditorAnnotation& layer : changed) {
+            damage.add(layer.paintedBounds());
+            damageEffectsFrom(lowest, layer.paintedBounds());
+        }
+    }
 }
 
 void OverlaySession::setSelection(const Rect& selection) {
@@ -38,7 +55,7 @@ void OverlaySession::setSelection(const Rect& selection) {
     for (std::size_t index = 0; index < layers.size(); ++index) {
         const Rect area = layers[index].paintedBounds();
         if (!shared || !shared->contains(area))
-            damageEffectsAbove(index, area);
+            damageEffectsFrom(index + 1, area);
     }
 }
 
@@ -57,10 +74,10 @@ Rect OverlaySession::effectArea(const EditorAnnotation& effect) const {
     return effect.paintedBounds().insetBy(-std::max(blurMargin, effect.width) - pointsPerPixel);
 }
 
-void OverlaySession::damageEffectsAbove(std::size_t index, Rect area) {
+void OverlaySession::damageEffectsFrom(std::size_t lowest, Rect area) {
     const auto& layers = document.state.annotations;
-    for (std::size_t above = index + 1; above < layers.size(); ++above) {
-        const EditorAnnotation& effect = layers[above];
+    for (std::size_t index = lowest; index < layers.size(); ++index) {
+        const EditorAnnotation& effect = layers[index];
         if (!AnnotationTools::isEffect(effect.tool) || !effectArea(effect).intersects(area))
             continue;
         damage.add(effect.paintedBounds());

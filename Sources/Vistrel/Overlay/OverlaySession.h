@@ -43,8 +43,8 @@ public:
     void replaceLayer(const EditorAnnotation& layer);
     /// Something looks different in `area` of the layer at `index`; effects above it follow.
     void layerChanged(std::size_t index, const Rect& area);
-    /// The layers may all have changed.
-    void allLayersChanged();
+    /// The layers were `before` and are now the document's.
+    void layersChanged(const std::vector<EditorAnnotation>& before);
     void setSelection(const Rect& selection);
 
     /// Records what a gesture changed and ends it.
@@ -52,5 +52,5 @@ public:
 
 private:
     Rect effectArea(const EditorAnnotation& effect) const;
-    void damageEffectsAbove(std::size_t index, Rect area);
+    void damageEffectsFrom(std::size_t lowest, Rect area);
 };

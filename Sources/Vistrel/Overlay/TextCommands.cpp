@@ -47,7 +47,7 @@ void TextCommands::commit() {
     session.report(Action::textCommitted, AnnotationTool::text);
     discard();
     session.document.history.record(before, session.document.state);
-    session.allLayersChanged();
+    session.layersChanged(before.annotations);
     session.hooks.focusCanvas();
     session.hooks.onChange();
 }
@@ -74,7 +74,6 @@ void TextCommands::removeEditedLayer() {
     if (!document.text->layerID)
         return;
     const QUuid id = *document.text->layerID;
-    session.allLayersChanged();
     std::erase_if(document.state.annotations, [&](const auto& layer) { return layer.id == id; });
     if (document.state.selectedID == id)
         document.state.selectedID.reset();
@@ -111,6 +110,6 @@ void TextCommands::editedLayerChanged() {
     const std::optional<QUuid>& id = session.document.text->layerID;
     for (std::size_t index = 0; id && index < layers.size(); ++index) {
         if (layers[index].id == *id)
-            session.layerChanged(index, layers[index].bounds());
+            session.layerChanged(index, layers[index].paintedBounds());
     }
 }

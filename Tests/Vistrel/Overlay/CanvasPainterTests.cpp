@@ -156,7 +156,7 @@ TEST_F(CanvasPainterTests, repairingTheDamageEqualsPaintingAll) {
         if (!region.isEmpty())
             paint(repaired, region, shown);
     };
-    for (int step = 0; step < 60; ++step) {
+    for (int step = 0; step < 80; ++step) {
         document.tool = static_cast<AnnotationTool>(generator.bounded(9));
         press(anywhere());
         repair();
@@ -167,8 +167,13 @@ TEST_F(CanvasPainterTests, repairingTheDamageEqualsPaintingAll) {
         release(anywhere());
         if (generator.bounded(5) == 0)
             editor.layers.undo();
+        if (generator.bounded(5) == 0)
+            editor.layers.redo();
+        const auto any = [&] { return QUuid(layers()[generator.bounded(quint32(layers().size()))].id); };
         if (generator.bounded(6) == 0 && !layers().empty())
-            editor.layers.reorderAnnotation(layers().front().id, 5);
+            editor.layers.reorderAnnotation(any(), generator.bounded(8));
+        if (generator.bounded(8) == 0 && !layers().empty())
+            editor.layers.deleteAnnotation(any());
         key(Key::upArrow, {}, Modifier::shift);
         repair();
         ASSERT_EQ(repaired, painted()) << "step " << step;
