@@ -1,7 +1,10 @@
 #include "Desktop/EditorOnDesktop.h"
 
 #include "VistrelPlatform/Keyboard.h"
+#include "VistrelPlatform/SharePeer.h"
 
+#include <QDBusArgument>
+#include <QDBusMetaType>
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
@@ -90,7 +93,7 @@ protected:
     }
     void press(KeyCode key) { vistrel.session.input().key(key); }
 
-    EditorOnDesktop vistrel;
+    EditorOnDesktop vistrel{{.screenSize = {1280, 720}, .windowManager = true, .sessionBus = true}};
     xcb_window_t overlay = XCB_NONE;
 };
 
@@ -167,4 +170,36 @@ TEST_F(ShareFlow, ClosingTheSettingsBringsTheOverlayBackAndEscapeEndsTheCapture)
     press(Key::escape);
     ASSERT_TRUE(vistrel.waitFor(QStringLiteral("captureClosed")));
     EXPECT_EQ(picturesOnDisk(), QStringList());
+}
+
+TEST_F(ShareFlow, ADeviceThatTheDesktopReachesIsOfferedAndGetsThePicture) {
+    qDBusRegisterMetaType<QMap<QString, QString>>();
+    const QString connection = QStringLiteral("devices");
+    const QDBusConnection bus = QDBusConnection::connectToBus(
+        QString::fromStdString(vistrel.session.environment().at("DBUS_SESSION_BUS_ADDRESS")), connection);
+    bool asked = false;
+    QString address;
+    {
+        const SharePeer daemon(bus, QStringLiteral("org.kde.kdeconnect"), [&](const QDBusMessage& call) {
+            QVariant answer;
+            if (call.member() == QLatin1StringView("deviceNames")) {
+                answer = QVariant::fromValue(
+                    QMap<QString, QString>{{QStringLiteral("ab_1"), QStringLiteral("Tablet")}});
+                asked = true;
+            } else {
+                address = call.arguments().value(0).toString();
+            }
+            bus.send(answer.isNull() ? call.createReply() : call.createReply(answer));
+        });
+        ASSERT_TRUE(vistrel.edit({100, 100, 400, 300}));
+        ASSERT_TRUE(waitUntil([&] { return asked; }));
+        ASSERT_TRUE(openMenu(1));
+        press(Key::downArrow); // before the applications
+        press(Key::returnKey);
+        ASSERT_TRUE(waitUntil([&] { return !address.isEmpty(); }));
+        ASSERT_TRUE(vistrel.waitFor(QStringLiteral("shareSucceeded")));
+        EXPECT_EQ(QStringList(QUrl(address).toLocalFile()), picturesOnDisk());
+        EXPECT_TRUE(overlayIsGone());
+    }
+    QDBusConnection::disconnectFromBus(connection);
 }

@@ -1,21 +1,25 @@
 #pragma once
 
+#include "VistrelPlatform/SharePeer.h"
+
 #include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
-#include <QDBusVirtualObject>
 #include <QDeadlineTimer>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <QThread>
 
 #include <functional>
 
 /// Runs the event loop until `done`; false after a time that no healthy machine needs.
 inline bool waitUntil(const std::function<bool()>& done) {
     const QDeadlineTimer deadline(60000);
-    while (!done() && !deadline.hasExpired())
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents, 20);
+    while (!done() && !deadline.hasExpired()) {
+        QCoreApplication::processEvents();
+        QThread::msleep(1);
+    }
     return done();
 }
 
@@ -61,32 +65,4 @@ public:
 private:
     QTemporaryDir folder;
     QProcess daemon;
-};
-
-/// Answers every call to one bus name as the test says.
-class SharePeer : public QDBusVirtualObject {
-public:
-    using Answer = std::function<void(const QDBusMessage&)>;
-
-    SharePeer(QDBusConnection connection, const QString& name, Answer answerCall)
-        : bus(std::move(connection)), service(name), answer(std::move(answerCall)) {
-        bus.registerVirtualObject(QStringLiteral("/"), this, QDBusConnection::SubPath);
-        bus.registerService(service);
-    }
-    ~SharePeer() override { leave(); }
-
-    void leave() {
-        bus.unregisterObject(QStringLiteral("/"), QDBusConnection::UnregisterTree);
-        bus.unregisterService(service);
-    }
-    QString introspect(const QString&) const override { return {}; }
-    bool handleMessage(const QDBusMessage& message, const QDBusConnection&) override {
-        answer(message);
-        return true;
-    }
-
-private:
-    QDBusConnection bus;
-    QString service;
-    Answer answer;
 };

@@ -167,6 +167,8 @@ void CaptureSessionCoordinator::failed(const Error& error, const Timing& timing)
 void CaptureSessionCoordinator::present(const Frozen& displays, const Timing& timing) {
     presenter.onReady = [this, timing](const std::optional<QString>& error) {
         completeMeasurement(timing, error);
+        if (share)
+            share->prepare();
     };
     presenter.show(displays, timing);
 }

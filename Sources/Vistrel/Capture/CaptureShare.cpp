@@ -11,6 +11,10 @@ CaptureShare::~CaptureShare() {
     cancel();
 }
 
+void CaptureShare::prepare() {
+    services.refresh();
+}
+
 void CaptureShare::share(const QImage& image, QWidget& anchor, CaptureOverlayWindow& window) {
     if (session)
         return;

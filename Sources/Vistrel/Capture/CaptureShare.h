@@ -18,6 +18,9 @@ public:
     CaptureShare(OverlayPresenter& presenter, ShareServices& services);
     ~CaptureShare();
 
+    /// Asks the desktop what there is to share with, which takes it a moment. Once per capture, when it is
+    /// shown.
+    void prepare();
     /// Opens the menu of services at the anchor. Nothing while another share is under way.
     void share(const QImage& image, QWidget& anchor, CaptureOverlayWindow& window);
     /// A capture was asked for: a user who is away in the desktop's settings comes back.
