@@ -254,15 +254,22 @@ void undoAndRedo(benchmark::State& state) {
     }
 }
 
+/// A scribble over half the display, about ten pixels a step, that crosses itself again and again.
+QPoint scribble(int step) {
+    return QPoint(1900, 1100) +
+           QPointF(900 * std::sin(step * 0.0081), 700 * std::sin(step * 0.0107 + 1)).toPoint();
+}
+
 /// Back and forth over one stroke of `range(1)` points.
 void undoStroke(benchmark::State& state) {
     Canvas canvas(state);
     canvas.drag({200, 200}, {3600, 2000});
     canvas.key(Qt::Key_P, QStringLiteral("p"));
-    canvas.press({1900, 1100});
+    canvas.press(scribble(0));
     for (int i = 0; i < state.range(1); ++i)
-        canvas.move(around({1900, 1100}, i, 200 + i % 600, 7));
-    canvas.release({1900, 1100});
+        canvas.move(scribble(i));
+    canvas.release(scribble(static_cast<int>(state.range(1))));
+    canvas.settle();
     bool back = false;
     for (auto _ : state) {
         back = !back;

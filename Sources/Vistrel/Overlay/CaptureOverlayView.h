@@ -69,6 +69,9 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void enterEvent(QEnterEvent* event) override;
+    // The canvas looks the same with and without the keyboard; the default repaints all of it.
+    void focusInEvent(QFocusEvent*) override {}
+    void focusOutEvent(QFocusEvent*) override {}
     void resizeEvent(QResizeEvent* event) override;
 
 private:

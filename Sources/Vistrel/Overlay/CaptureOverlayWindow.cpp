@@ -19,7 +19,7 @@ CaptureOverlayWindow::CaptureOverlayWindow(const Screen& screen, EditorPreferenc
 
 void CaptureOverlayWindow::releasePixels() {
     if (QBackingStore* store = backingStore())
-        store->resize({});
+        store->resize(QSize(0, 0));
 }
 
 bool CaptureOverlayWindow::event(QEvent* event) {
