@@ -168,6 +168,7 @@ void OverlayPresenter::hide() {
         services.overlayWindows.hide(*window);
         window->view().resetSession({}, 1.0, window->screen().pointSize());
         services.overlayWindows.setFrozenPicture(*window, nullptr);
+        window->releasePixels();
     }
 }
 

@@ -1,0 +1,66 @@
+#include "ResidentProgram.h"
+
+#include "Desktop/Fixture/Waiting.h"
+
+#include <QDir>
+#include <QFile>
+
+namespace {
+
+constexpr KeyCode keyNine = 25;
+
+/// Nothing else on these screens is as large and beyond the reach of a window manager.
+std::ptrdiff_t overlays(DesktopSession& desktop) {
+    const std::vector<MappedWindow> windows = desktop.client().mappedWindows();
+    return std::ranges::count_if(windows, [](const MappedWindow& window) {
+        return window.overrideRedirect && window.rect.width() >= 800 && window.rect.height() >= 600;
+    });
+}
+
+/// Ends the meter with the last that the program told its journal.
+[[noreturn]] void giveUp(const DesktopSession& desktop, const char* what) {
+    QFile journal(desktop.dataHome() + QStringLiteral("/Vistrel/Diagnostics/events.jsonl"));
+    constexpr int lines = 20;
+    if (journal.open(QIODevice::ReadOnly))
+        for (const QByteArray& line : journal.readAll().split('\n').last(lines))
+            std::fprintf(stderr, "%s\n", line.constData());
+    qFatal("%s", what);
+}
+
+} // namespace
+
+void ResidentProgram::writeDefaults(const DesktopSession& desktop, const QByteArray& more) {
+    QDir().mkpath(desktop.configHome() + QStringLiteral("/Vistrel"));
+    QFile file(desktop.configHome() + QStringLiteral("/Vistrel/defaults.json"));
+    if (!file.open(QIODevice::WriteOnly) ||
+        file.write(R"({"onboardingVersion": 2, "onboardingComplete": true)" + more + "}") < 0)
+        qFatal("the defaults cannot be written");
+}
+
+std::unique_ptr<ChildProgram> ResidentProgram::start(DesktopSession& desktop, const QString& program) {
+    auto child = desktop.start(program);
+    QFile journal(desktop.dataHome() + QStringLiteral("/Vistrel/Diagnostics/events.jsonl"));
+    const bool launched = waitUntil([&] {
+        if (!child->isRunning())
+            qFatal("the program ended: %s", child->standardError().constData());
+        const bool told = journal.open(QIODevice::ReadOnly) && journal.readAll().contains("\"launch\"");
+        journal.close();
+        return told;
+    });
+    if (!launched)
+        qFatal("the program did not tell its journal that it runs");
+    // Preparation follows the launch.
+    waitUntil([] { return false; }, std::chrono::seconds(1));
+    return child;
+}
+
+void ResidentProgram::capture(DesktopSession& desktop, int displays) {
+    desktop.input().chord(Modifier::command | Modifier::shift, keyNine);
+    if (!waitUntil([&] { return overlays(desktop) == displays; }))
+        giveUp(desktop, "the overlay did not come");
+}
+
+void ResidentProgram::awaitClosed(DesktopSession& desktop) {
+    if (!waitUntil([&] { return overlays(desktop) == 0; }))
+        giveUp(desktop, "the overlay did not go");
+}
