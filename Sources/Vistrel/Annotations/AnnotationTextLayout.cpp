@@ -60,18 +60,25 @@ double AnnotationTextLayout::layOut(QTextLayout& paragraph, double width) {
 Size AnnotationTextLayout::size(const QString& text, double fontSize, Size available) {
     const QFont wholeSize = font(fontSize);
     const double factor = scale(fontSize);
+    const double widthLimit = std::max(available.width, 1.0);
+    const double heightLimit = std::max(available.height, 1.0);
     const QStringList lines = text.split(u'\n');
+    // A long text has more lines than are ever seen: measuring ends where nothing can change any more.
     double widest = 0;
-    for (const QString& line : lines)
+    for (const QString& line : lines) {
         widest = std::max(widest, widthOf(line, wholeSize));
-    const double width =
-        std::min(std::max(std::ceil(widest * factor) + 1, 2.0), std::max(available.width, 1.0));
+        if (widest * factor + 1 >= widthLimit)
+            break;
+    }
+    const double width = std::min(std::max(std::ceil(widest * factor) + 1, 2.0), widthLimit);
     double height = 0;
     for (const QString& line : lines) {
         QTextLayout paragraph(line, wholeSize);
         height += layOut(paragraph, width / factor);
+        if (height * factor >= heightLimit)
+            break;
     }
-    return {width, std::min(std::ceil(height * factor), std::max(available.height, 1.0))};
+    return {width, std::min(std::ceil(height * factor), heightLimit)};
 }
 
 void AnnotationTextLayout::draw(const EditorAnnotation& annotation, QPainter& painter) {
@@ -96,6 +103,8 @@ void AnnotationTextLayout::draw(const EditorAnnotation& annotation, QPainter& pa
             line.draw(&painter, {0, top});
         }
         top += height;
+        if (top * factor > box.height + tolerance)
+            break;
     }
     painter.restore();
 }
