@@ -20,6 +20,7 @@
 #include "VistrelPlatform/Freedesktop/DesktopRunningInstance.h"
 #include "VistrelPlatform/Freedesktop/DesktopSettingsPages.h"
 #include "VistrelPlatform/Freedesktop/DesktopSystemShortcuts.h"
+#include "VistrelPlatform/Freedesktop/PortalScreenAccess.h"
 #include "VistrelPlatform/Freedesktop/SessionBus.h"
 #include "VistrelPlatform/Freedesktop/ShareDesktopServices.h"
 #include "VistrelPlatform/Freedesktop/StatusNotifierHost.h"
@@ -103,6 +104,13 @@ struct Display {
     }
 };
 
+/// Null outside a sandbox.
+std::unique_ptr<PortalScreenAccess> portalInCharge() {
+    const QString sandbox = PortalScreenAccess::sandboxName();
+    return sandbox.isEmpty() ? nullptr
+                             : std::make_unique<PortalScreenAccess>(QDBusConnection::sessionBus(), sandbox);
+}
+
 CaptureSession operationsOf(CaptureSessionCoordinator& coordinator) {
     return {.begin =
                 [&coordinator](CaptureTime::Instant at, std::shared_ptr<CaptureTiming> timing) {
@@ -126,6 +134,8 @@ public:
 
 private:
     AppController::Services services(QStringList commandLine);
+    bool mayCapture() const { return display.capturer.hasPermission() && (!portal || portal->isGranted()); }
+    ScreenAccessRequest screenAccess();
     AppController::Presentation presentation();
     CaptureSession makeCaptureSession(std::function<void()> needsPermission);
     std::unique_ptr<ProblemReportModel> makeReportModel();
@@ -146,6 +156,7 @@ private:
                               524288,
                               {}}};
     Display display;
+    std::unique_ptr<PortalScreenAccess> portal = portalInCharge();
     X11KeyboardLayout keyboard;
     X11HotKeyBackend hotKeyBackend;
     DesktopSystemShortcuts systemShortcuts{desktopNamed(currentDesktopNames()), QDBusConnection::sessionBus(),
@@ -232,8 +243,7 @@ AppController::Services ResidentProgram::services(QStringList commandLine) {
             .updates = updates,
             .diagnostics = journal,
             .settingsPages = settingsPages,
-            // An X session has no question to ask: the root can be read or it cannot.
-            .screenAccess = {[this] { return display.capturer.hasPermission(); }, {}},
+            .screenAccess = screenAccess(),
             .makeCaptureSession =
                 [this](std::function<void()> needsPermission) {
                     return makeCaptureSession(std::move(needsPermission));
@@ -243,6 +253,14 @@ AppController::Services ResidentProgram::services(QStringList commandLine) {
             .terminate = [] { QCoreApplication::exit(); },
             .installed = bundle.isInstalled(),
             .arguments = std::move(commandLine)};
+}
+
+ScreenAccessRequest ResidentProgram::screenAccess() {
+    ScreenAccessRequest access{[this] { return mayCapture(); }, {}};
+    // An X session has no question to ask: the root can be read or it cannot. A sandbox has.
+    if (portal)
+        access.prompt = [this](std::function<void(bool)> answer) { portal->prompt(std::move(answer)); };
+    return access;
 }
 
 AppController::Presentation ResidentProgram::presentation() {
@@ -266,20 +284,15 @@ CaptureSession ResidentProgram::makeCaptureSession(std::function<void()> needsPe
     CaptureSessionCoordinator::Services sessionServices =
         display.sessionServices(screenshots, preferences, &journal);
     sessionServices.share = &shareServices;
+    sessionServices.hasPermission = [this] { return mayCapture(); };
     coordinator = std::make_unique<CaptureSessionCoordinator>(std::move(sessionServices));
     coordinator->onNeedsPermission = std::move(needsPermission);
     return operationsOf(*coordinator);
 }
 
 std::unique_ptr<ProblemReportModel> ResidentProgram::makeReportModel() {
-    return std::make_unique<ProblemReportModel>(
-        ProblemReportModel::Services{journal,
-                                     preferences,
-                                     defaults,
-                                     reportSender,
-                                     [this] { return display.capturer.hasPermission(); },
-                                     {},
-                                     {}});
+    return std::make_unique<ProblemReportModel>(ProblemReportModel::Services{
+        journal, preferences, defaults, reportSender, [this] { return mayCapture(); }, {}, {}});
 }
 
 SettingsWindow& ResidentProgram::settingsWindow() {
@@ -371,17 +384,18 @@ public:
         const X11ScreenList screens;
         const X11ScreenCapturer capturer;
         const X11KeyboardLayout keyboard;
+        const std::unique_ptr<PortalScreenAccess> portal = portalInCharge();
         const DesktopSystemShortcuts table(desktopNamed(currentDesktopNames()), QDBusConnection::sessionBus(),
                                            keyboard);
-        return CommandLineRunners::printDiagnostics({.loginItem = AutostartLoginItem().status(),
-                                                     .screenCaptureGranted = capturer.hasPermission(),
-                                                     .screens = screens.screens(),
-                                                     .conflictsWithSystem =
-                                                         [&table](const ScreenshotShortcut& shortcut) {
-                                                             return HotKeyService::conflictsWithSystem(
-                                                                 shortcut, table);
-                                                         }},
-                                                    Console::standard());
+        return CommandLineRunners::printDiagnostics(
+            {.loginItem = AutostartLoginItem().status(),
+             .screenCaptureGranted = capturer.hasPermission() && (!portal || portal->isGranted()),
+             .screens = screens.screens(),
+             .conflictsWithSystem =
+                 [&table](const ScreenshotShortcut& shortcut) {
+                     return HotKeyService::conflictsWithSystem(shortcut, table);
+                 }},
+            Console::standard());
     }
 
     int operator()(const CommandLineMode::Resident&) {

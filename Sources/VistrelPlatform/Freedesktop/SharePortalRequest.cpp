@@ -1,5 +1,6 @@
 #include "VistrelPlatform/Freedesktop/SharePortalRequest.h"
 
+#include <QDBusArgument>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusServiceWatcher>
@@ -51,6 +52,7 @@ void SharePortalRequest::listen(const QString& handle) {
 void SharePortalRequest::response(const QDBusMessage& message) {
     const QVariantList arguments = message.arguments();
     const bool yes = !arguments.isEmpty() && arguments.first().toUInt() == 0;
+    results = qdbus_cast<QVariantMap>(arguments.value(1));
     answer(yes ? Answer::yes : Answer::no);
 }
 

@@ -26,6 +26,8 @@ public:
 
     /// Called once; the request may be deleted (later) from within.
     std::function<void(Answer)> onAnswer;
+    /// What came with the answer.
+    QVariantMap results;
 
 private Q_SLOTS:
     void response(const QDBusMessage& message);
