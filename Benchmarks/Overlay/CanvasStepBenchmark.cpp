@@ -9,6 +9,7 @@
 #include <QClipboard>
 #include <QMouseEvent>
 #include <QRandomGenerator>
+#include <QScrollBar>
 
 #include <benchmark/benchmark.h>
 
@@ -243,6 +244,18 @@ void selectToolAmongLayers(benchmark::State& state) {
     }
 }
 
+/// The list of layers scrolled by a few points, as a wheel or the bar does it.
+void scrollList(benchmark::State& state) {
+    Canvas canvas(state);
+    drawMany(canvas, state.range(1));
+    QScrollBar& bar = *canvas.view().findChild<QScrollBar*>(QStringLiteral("layerScrollBar"));
+    int step = 0;
+    for (auto _ : state) {
+        bar.setValue(++step * 7 % bar.maximum());
+        canvas.settle();
+    }
+}
+
 /// Back and forth through a full history.
 void undoAndRedo(benchmark::State& state) {
     Canvas canvas(state);
@@ -375,6 +388,7 @@ void both(benchmark::internal::Benchmark* registered, const char* name, std::vec
     both(add("moveLayerUnderBlur", moveLayerUnderBlur), "", {0});
     both(add("drawAmongLayers", drawAmongLayers)->Iterations(200), "layers", {100, 1000});
     both(add("selectToolAmongLayers", selectToolAmongLayers)->Iterations(50), "layers", {100, 1000});
+    both(add("scrollList", scrollList), "layers", {100, 1000});
     both(add("undoAndRedo", undoAndRedo)->Iterations(200), "layers", {101, 1000});
     both(add("undoStroke", undoStroke)->Iterations(100), "points", {50, 5000});
     both(add("pasteText", pasteText)->Iterations(20), "characters", {100, 100000});
