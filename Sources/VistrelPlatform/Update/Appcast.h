@@ -9,7 +9,7 @@
 namespace Appcast {
 
 /// No feed is larger.
-inline constexpr qint64 maximumSize = 1024 * 1024;
+inline constexpr qint64 maximumSize = 1024LL * 1024;
 
 /// The items that this system could use. Left out are items of a named channel or another operating
 /// system and items without version, size, signature or an https archive. A feed with a document type is

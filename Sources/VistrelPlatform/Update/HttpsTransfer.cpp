@@ -11,7 +11,7 @@ namespace {
 
 constexpr int maximumRedirections = 5;
 /// What belongs to an answer that is no file, such as an error page, is read no further.
-constexpr qint64 maximumOtherAnswer = 64 * 1024;
+constexpr qint64 maximumOtherAnswer = 64LL * 1024;
 
 bool isSecure(const QUrl& address) {
     return address.isValid() && address.scheme() == QLatin1String("https") && !address.host().isEmpty() &&
@@ -38,6 +38,8 @@ QNetworkRequest networkRequest(const HttpsTransfer::Request& what, const QUrl& a
     request.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
     request.setRawHeader("Accept-Encoding", "identity");
     request.setRawHeader("Accept", what.accept);
+    // Left to itself the library would tell the user's language.
+    request.setRawHeader("Accept-Language", "*");
     request.setRawHeader("User-Agent", what.userAgent);
     request.setTransferTimeout(static_cast<int>(what.silence.count()));
 
@@ -84,7 +86,7 @@ void HttpsTransfer::start(const Request& what, QIODevice& target) {
 
 void HttpsTransfer::get(const QUrl& address) {
     reply = manager.get(networkRequest(request, address));
-    reply->setReadBufferSize(256 * 1024);
+    reply->setReadBufferSize(256LL * 1024);
     connect(reply, &QNetworkReply::readyRead, this, &HttpsTransfer::receive);
     connect(reply, &QNetworkReply::sslErrors, this, [this](const QList<QSslError>& errors) {
         if (failure.isEmpty() && !errors.isEmpty())

@@ -182,6 +182,7 @@ TEST_F(HttpsTransferTests, asksForNothingButTheFile) {
     EXPECT_TRUE(server.requests.last().startsWith("GET /feed HTTP/1.1\r\n"));
     EXPECT_TRUE(server.requests.last().contains("User-Agent: Test/1\r\n"));
     EXPECT_TRUE(server.requests.last().contains("Accept-Encoding: identity\r\n"));
+    EXPECT_TRUE(server.requests.last().contains("Accept-Language: *\r\n"));
     EXPECT_FALSE(server.requests.last().contains("Cookie"));
 }
 
