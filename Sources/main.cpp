@@ -223,6 +223,9 @@ void ResidentProgram::saveAtExit() {
 }
 
 void ResidentProgram::comeForward() {
+    // What is being drawn is not thrown away for a second start.
+    if (coordinator && coordinator->busy())
+        return;
     for (PanelWindow* window :
          {static_cast<PanelWindow*>(settings.get()), static_cast<PanelWindow*>(setup.get())}) {
         if (window && window->isVisible())

@@ -268,6 +268,29 @@ TEST(ApplicationFlow, MonitorsThatSwapUnderTheSettingsWindowLeaveItReachable) {
     EXPECT_TRUE(largeFirst.intersects(window->rect) || smallSecond.intersects(window->rect));
 }
 
+TEST(ApplicationFlow, ThePreviewShowsTheOverlayAndASecondStartLeavesItThere) {
+    ApplicationOnDesktop vistrel(plainDesktop());
+    vistrel.program = vistrel.startProgram({QStringLiteral("--preview-overlay")});
+    const auto overlays = [&] {
+        const auto windows = vistrel.session.client().mappedWindows();
+        return std::ranges::count_if(windows, [](const MappedWindow& window) {
+            return window.overrideRedirect && window.rect == QRect(0, 0, 1280, 720);
+        });
+    };
+    ASSERT_TRUE(waitUntil([&] { return overlays() == 1; }));
+    EXPECT_FALSE(vistrel.isOpen(setupWindow) || vistrel.isOpen(settingsWindow));
+    vistrel.session.input().key(Key::escape);
+    ASSERT_TRUE(waitUntil([&] { return overlays() == 0; }));
+
+    ASSERT_TRUE(vistrel.capture());
+    vistrel.session.input().drag({100, 100}, {300, 250});
+    ASSERT_TRUE(vistrel.waitFor(QStringLiteral("selectionCreated")));
+    EXPECT_EQ(vistrel.runAgain({}), 0);
+    vistrel.command('c');
+    ASSERT_TRUE(vistrel.waitFor(QStringLiteral("copySucceeded"))) << "the capture went on";
+    EXPECT_FALSE(vistrel.isOpen(settingsWindow));
+}
+
 TEST(ApplicationFlow, AnotherProgramsOpenMenuIsInThePicture) {
     VistrelOnDesktop vistrel(plainDesktop());
     vistrel.start();

@@ -128,6 +128,7 @@ void AppearanceSettingsView::addSaveFormat(EditorPreferences& preferences) {
     auto* picker = new QComboBox(this);
     picker->setObjectName(QStringLiteral("saveFormat"));
     picker->setAccessibleName(withoutMnemonic(title));
+    picker->setMinimumWidth(10 * PageStyle::grid);
     label->setBuddy(picker);
     for (const ScreenshotSaveFormat format : {ScreenshotSaveFormat::png, ScreenshotSaveFormat::jpg})
         picker->addItem(rawValue(format), static_cast<int>(format));
