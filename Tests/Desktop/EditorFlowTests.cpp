@@ -9,6 +9,8 @@ namespace {
 using Editor = EditorOnDesktop;
 
 constexpr KeyCode zKey = 6;
+constexpr KeyCode tabKey = 48;
+constexpr KeyCode spaceKey = 49;
 constexpr QRect wideArea(300, 120, 600, 440);
 
 struct DrawCase {
@@ -201,7 +203,10 @@ TEST(EditorFlow, SizesAndColoursAreChosenForToolsAndForLayers) {
     // Without a style there is nothing to step.
     editor.type("+");
     editor.click(editor.plusButton());
-    editor.type("p+=-");
+    // Past the select tool to the pen: what is disabled is left out.
+    for (const KeyCode key : {tabKey, tabKey, spaceKey})
+        input.key(key);
+    editor.type("+=-");
     EXPECT_EQ(editor.steps(4),
               "toolSelected(1,3,0) sizeChanged(1,4,0) sizeChanged(1,5,0) sizeChanged(1,4,0)");
     editor.click(editor.plusButton());
