@@ -7,6 +7,7 @@
 #include "Overlay/SelectionCursors.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QInputMethodEvent>
 #include <QLineEdit>
 #include <QSignalSpy>
@@ -228,6 +229,23 @@ TEST_F(CaptureOverlayViewTests, typesText) {
     EXPECT_EQ(view.layerCount(), 1);
     view.cancelOperation();
     EXPECT_EQ(closed, 1);
+}
+
+TEST_F(CaptureOverlayViewTests, aTextOfAHundredThousandCharactersComesBackWhole) {
+    dragFrom({100, 100}, {500, 400});
+    QTest::keyClick(&view, Qt::Key_T);
+    QTest::mouseClick(&view, Qt::LeftButton, {}, {200, 200});
+    QString text;
+    while (text.size() < 100000)
+        text += QStringLiteral("line %1 of many\n").arg(text.size());
+    QGuiApplication::clipboard()->setText(text);
+    QTest::keyClick(&control<AnnotationTextView>("annotationText"), Qt::Key_V, Qt::ControlModifier);
+    QTest::keyClick(&control<AnnotationTextView>("annotationText"), Qt::Key_Return, Qt::ControlModifier);
+    ASSERT_EQ(view.layerCount(), 1);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QTest::keyClick(&view, Qt::Key_V);
+    QTest::mouseDClick(&view, Qt::LeftButton, {}, {220, 220});
+    EXPECT_EQ(control<AnnotationTextView>("annotationText").string(), text);
 }
 
 TEST_F(CaptureOverlayViewTests, escapeAndCommandsReachTheCanvasFromAnyControl) {

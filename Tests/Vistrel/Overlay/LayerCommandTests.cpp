@@ -205,4 +205,27 @@ TEST_F(LayerCommandTests, toolsStartAfreshWithEveryCapture) {
     }
 }
 
+TEST_F(LayerCommandTests, theLargestDocumentsLoseNothing) {
+    constexpr int layerCount = 1000;
+    constexpr int keptSteps = 100;
+    select();
+    document.tool = AnnotationTool::pen;
+    press({100, 100});
+    for (int i = 0; i < 5000; ++i)
+        drag({100.0 + i % 200, 100.0 + i % 90});
+    release({200, 150});
+    const EditorAnnotation scribble = layers().front();
+    EXPECT_EQ(scribble.points.size(), 5003U) << "the press counts twice, every move and the release once";
+    for (int i = 1; i < layerCount; ++i)
+        stroke({{100.0 + i % 200, 120}, {110.0 + i % 200, 140}});
+    const std::vector<EditorAnnotation> all = layers();
+    ASSERT_EQ(all.size(), std::size_t(layerCount));
+    for (int i = 0; i <= keptSteps; ++i)
+        editor.layers.undo();
+    EXPECT_EQ(layers().size(), std::size_t(layerCount - keptSteps));
+    for (int i = 0; i <= keptSteps; ++i)
+        editor.layers.redo();
+    EXPECT_EQ(layers(), all);
+}
+
 } // namespace
