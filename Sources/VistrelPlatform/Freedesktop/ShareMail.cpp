@@ -80,7 +80,8 @@ void ShareMail::perform(const QString&, std::shared_ptr<SharePictureFile> file,
                   {{QStringLiteral("attachment_fds"), QVariant::fromValue(attachments)}});
 }
 
-void ShareMail::runXdgEmail(std::shared_ptr<SharePictureFile> file, ShareServices::Completion completion) {
+void ShareMail::runXdgEmail(const std::shared_ptr<SharePictureFile>& file,
+                            ShareServices::Completion completion) {
     auto started = ShareProcess::start(
         {options.xdgEmail, QStringLiteral("--utf8"), QStringLiteral("--attach"), file->path()});
     if (!started) {

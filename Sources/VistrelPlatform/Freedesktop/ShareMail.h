@@ -29,7 +29,7 @@ public:
                  ShareServices::Completion completion) override;
 
 private:
-    void runXdgEmail(std::shared_ptr<SharePictureFile> file, ShareServices::Completion completion);
+    void runXdgEmail(const std::shared_ptr<SharePictureFile>& file, ShareServices::Completion completion);
 
     QDBusConnection bus;
     ShareRetention& retention;

@@ -329,25 +329,24 @@ TEST_F(UpdaterTests, aDueCheckComesByItselfAfterTheSetupUnlessSwitchedOff) {
     user.choice = UpdateChoice::remindLater;
     int asked = 0;
     bool throughSetup = false;
-    const auto startAsking = [&] {
-        start();
-        updater->mayCheckUnasked = [&] {
-            ++asked;
-            return throughSetup;
-        };
-    };
-    defaults.setBoolean(QStringLiteral("SUEnableAutomaticChecks"), false);
-    startAsking();
-    run(&Updater::checkForUpdateInformation);
-    EXPECT_EQ(asked, 0);
+    FileUserDefaults without(folder.filePath(QStringLiteral("without.json")));
+    without.setNumber(QStringLiteral("SULastCheckTime"), 0);
+    without.setBoolean(QStringLiteral("SUEnableAutomaticChecks"), false);
+    Updater switchedOff(configuration, without, &user);
+    bool offAsked = false;
+    switchedOff.mayCheckUnasked = [&] { return offAsked = true; };
+    ASSERT_TRUE(switchedOff.start());
 
-    defaults.setBoolean(QStringLiteral("SUEnableAutomaticChecks"), true);
-    server.requests.clear();
-    startAsking();
+    start();
+    updater->mayCheckUnasked = [&] {
+        ++asked;
+        return throughSetup;
+    };
     ASSERT_TRUE(waitUntil([&] { return asked >= 2; }));
     EXPECT_TRUE(server.requests.isEmpty());
+    EXPECT_FALSE(offAsked);
     throughSetup = true;
-    ASSERT_TRUE(waitUntil([&] { return cycles.size() == 2; }));
+    ASSERT_TRUE(waitUntil([&] { return cycles.size() == 1; }));
     EXPECT_EQ(user.shown, QStringList(QStringLiteral("offer 2.0")));
     EXPECT_GT(*defaults.number(QStringLiteral("SULastCheckTime")), 0);
 }
