@@ -60,8 +60,8 @@ bool ApplicationOnDesktop::closes(const QString& title) {
     return waitUntil([&] { return !isOpen(title); });
 }
 
-bool ApplicationOnDesktop::defaultShortcutIsFree() {
-    const bool isFree = waitUntil([&] { return session.client().grabKey(superShift, nineScanCode) == 0; });
-    session.client().ungrabKey(superShift, nineScanCode);
+bool ApplicationOnDesktop::isReleased(std::uint32_t modifiers, std::uint8_t scanCode) {
+    const bool isFree = waitUntil([&] { return session.client().grabKey(modifiers, scanCode) == 0; });
+    session.client().ungrabKey(modifiers, scanCode);
     return isFree;
 }

@@ -32,6 +32,6 @@ public:
     bool isOpen(const QString& title) { return session.client().windowTitled(title).has_value(); }
     /// Alt and the letter that a control shows.
     void mnemonic(KeyCode key) { session.input().chord(Modifier::option, key); }
-    /// Waits until nobody holds the default shortcut any more, as while another is recorded.
-    bool defaultShortcutIsFree();
+    /// Waits until nobody holds the chord any more, as while another is recorded.
+    bool isReleased(std::uint32_t modifiers = superShift, std::uint8_t scanCode = nineScanCode);
 };
