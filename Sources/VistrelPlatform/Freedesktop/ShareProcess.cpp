@@ -47,9 +47,11 @@ public:
 
 Result<std::unique_ptr<ShareProcess>> ShareProcess::start(const QStringList& command) {
     std::vector<QByteArray> words;
+    words.reserve(static_cast<std::size_t>(command.size()));
     for (const QString& word : command)
         words.push_back(QFile::encodeName(word));
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (QByteArray& word : words)
         arguments.push_back(word.data());
     arguments.push_back(nullptr);
