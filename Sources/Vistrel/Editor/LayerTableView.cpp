@@ -19,8 +19,6 @@ constexpr int scrollInterval = 30; // milliseconds
 /// The line that shows where a dragged layer would go.
 class DropIndicator : public QWidget {
 public:
-    static constexpr int thickness = 6;
-
     explicit DropIndicator(QWidget* viewport) : QWidget(viewport) {
         setObjectName(QStringLiteral("layerDropIndicator"));
         setAttribute(Qt::WA_TransparentForMouseEvents);

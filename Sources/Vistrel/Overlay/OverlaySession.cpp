@@ -1,6 +1,7 @@
 #include "Overlay/OverlaySession.h"
 
 #include <algorithm>
+#include <span>
 
 void OverlaySession::report(Diagnostic::Action action, std::optional<AnnotationTool> style,
                             std::optional<int> size) {
@@ -38,8 +39,8 @@ void OverlaySession::layersChanged(const std::vector<EditorAnnotation>& before) 
         --lastAfter;
     }
     const auto lowest = static_cast<std::size_t>(firstAfter - after.begin());
-    for (const auto& changed :
-         {std::ranges::subrange(firstBefore, lastBefore), std::ranges::subrange(firstAfter, lastAfter)}) {
+    using Layers = std::span<const EditorAnnotation>;
+    for (const Layers changed : {Layers(firstBefore, lastBefore), Layers(firstAfter, lastAfter)}) {
         for (const EditorAnnotation& layer : changed) {
             damage.add(layer.paintedBounds());
             damageEffectsFrom(lowest, layer.paintedBounds());
