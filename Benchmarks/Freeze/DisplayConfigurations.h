@@ -22,6 +22,17 @@ inline std::vector<DisplayConfiguration> displayConfigurations() {
     };
 }
 
+/// How the cost grows with the number of displays.
+inline std::vector<DisplayConfiguration> growingConfigurations() {
+    const QString names[] = {QStringLiteral("first"), QStringLiteral("second"), QStringLiteral("third"),
+                             QStringLiteral("fourth")};
+    std::vector<MonitorSetup> monitors;
+    for (int index = 0; index < 4; ++index)
+        monitors.push_back({names[index], {1920 * (index % 2), 1080 * (index / 2), 1920, 1080}});
+    return {{"2x1920x1080", {3840, 1080}, {monitors.begin(), monitors.begin() + 2}},
+            {"4x1920x1080", {3840, 2160}, monitors}};
+}
+
 inline double median(std::vector<double> values) {
     std::ranges::sort(values);
     const std::size_t middle = values.size() / 2;

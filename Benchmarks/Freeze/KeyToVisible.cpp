@@ -2,12 +2,12 @@
 // program and for the bare reference in the same run. Key and eyes are other clients of the same server.
 
 #include "DisplayConfigurations.h"
+#include "Program/ResidentProgram.h"
 
 #include "Desktop/Fixture/Waiting.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
-#include <QDir>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -89,14 +89,7 @@ private:
     std::vector<QRgb> plain;
 };
 
-/// The user has been through the first-run setup.
-void writeDefaults(const DesktopSession& desktop) {
-    QDir().mkpath(desktop.configHome() + QStringLiteral("/Vistrel"));
-    QFile file(desktop.configHome() + QStringLiteral("/Vistrel/defaults.json"));
-    if (file.open(QIODevice::WriteOnly))
-        file.write(R"({"onboardingVersion": 2, "onboardingComplete": true})");
-}
-
+/// For a program that keeps no journal. Trying a key takes it for a moment.
 void awaitHotKey(DesktopSession& desktop, ChildProgram& program) {
     constexpr std::uint32_t state = XCB_MOD_MASK_4 | XCB_MOD_MASK_SHIFT;
     const bool held = waitUntil([&] {
@@ -111,15 +104,17 @@ void awaitHotKey(DesktopSession& desktop, ChildProgram& program) {
         qFatal("the program did not take its shortcut");
 }
 
-std::vector<double> measure(const QString& program, const DisplayConfiguration& configuration, int runs) {
+std::vector<double> measure(const QString& program, bool isReference,
+                            const DisplayConfiguration& configuration, int runs) {
     DesktopSession desktop({.screenSize = configuration.screenSize,
                             .monitors = configuration.monitors,
                             .scaleFactors = {},
                             .sessionBus = true});
-    writeDefaults(desktop);
+    ResidentProgram::writeDefaults(desktop);
     Watcher watcher(desktop, configuration);
-    const auto child = desktop.start(program);
-    awaitHotKey(desktop, *child);
+    const auto child = isReference ? desktop.start(program) : ResidentProgram::start(desktop, program);
+    if (isReference)
+        awaitHotKey(desktop, *child);
     std::vector<double> figures;
     for (int run = 0; run < runs; ++run) {
         // What the program does after it has started or after a capture is not part of the next one.
@@ -167,12 +162,15 @@ int main(int argc, char** argv) {
     const int runs = std::max(2, parser.value(QStringLiteral("runs")).toInt());
 
     QJsonArray rows;
-    for (const DisplayConfiguration& configuration : displayConfigurations()) {
+    std::vector<DisplayConfiguration> configurations = displayConfigurations();
+    std::ranges::move(growingConfigurations(), std::back_inserter(configurations));
+    for (const DisplayConfiguration& configuration : configurations) {
         QJsonObject row{{QStringLiteral("displays"), QLatin1String(configuration.name)}};
-        for (const char* kind : {"reference", "program"}) {
-            const QString path = parser.value(QLatin1String(kind));
+        for (const QLatin1StringView kind : {QLatin1StringView("reference"), QLatin1StringView("program")}) {
+            const QString path = parser.value(kind);
             if (!path.isEmpty())
-                row[QLatin1String(kind)] = described(measure(path, configuration, runs));
+                row[kind] =
+                    described(measure(path, kind == QLatin1StringView("reference"), configuration, runs));
         }
         const auto medianOf = [&row](QLatin1StringView kind) {
             return row.value(kind).toObject().value(QLatin1StringView("medianMS")).toDouble();
