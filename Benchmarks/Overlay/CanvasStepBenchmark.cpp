@@ -2,108 +2,14 @@
 // whatever platform QT_QPA_PLATFORM names, at the scale that QT_SCALE_FACTOR names. Places are device
 // pixels of the larger display.
 
-#include "Overlay/CaptureOverlayWindow.h"
-#include "Overlay/OverlayEditor.h"
+#include "Canvas.h"
 
-#include <QApplication>
 #include <QClipboard>
-#include <QMouseEvent>
-#include <QRandomGenerator>
 #include <QScrollBar>
 
 #include <benchmark/benchmark.h>
 
 namespace {
-
-constexpr int designHeight = 2160;
-
-/// Nothing is stored.
-class NoDefaults : public UserDefaults {
-public:
-    std::optional<double> number(const QString&) const override { return std::nullopt; }
-    std::optional<bool> boolean(const QString&) const override { return std::nullopt; }
-    std::optional<QString> string(const QString&) const override { return std::nullopt; }
-    std::optional<QByteArray> data(const QString&) const override { return std::nullopt; }
-    bool has(const QString&) const override { return false; }
-    void setNumber(const QString&, double) override {}
-    void setBoolean(const QString&, bool) override {}
-    void setString(const QString&, const QString&) override {}
-    void setData(const QString&, const QByteArray&) override {}
-    void remove(const QString&) override {}
-};
-
-QImage desktop(QSize size) {
-    QImage image(size, QImage::Format_RGB32);
-    QRandomGenerator generator(3);
-    for (int y = 0; y < size.height(); ++y) {
-        auto* line = reinterpret_cast<QRgb*>(image.scanLine(y));
-        for (int x = 0; x < size.width(); ++x)
-            line[x] = 0xff000000U | (generator.generate() & 0x3f3f3fU) | static_cast<unsigned>((x / 16) << 8);
-    }
-    return image;
-}
-
-/// A shown canvas of a display, with the pointer events of a user.
-class Canvas {
-public:
-    explicit Canvas(const benchmark::State& state) : height(static_cast<int>(state.range(0))) {
-        const QImage picture = desktop(pixels);
-        window.view().resetSession({.image = picture, .presentation = picture, .frozen = nullptr}, scale,
-                                   {pixels.width() / scale, pixels.height() / scale});
-        window.show();
-        settle();
-    }
-
-    void press(QPoint p) { send(QEvent::MouseButtonPress, p); }
-    void move(QPoint p) { send(QEvent::MouseMove, p); }
-    void release(QPoint p) { send(QEvent::MouseButtonRelease, p); }
-    void drag(QPoint from, QPoint to) {
-        press(from);
-        move(to);
-        release(to);
-        settle();
-    }
-    void key(int code, const QString& text, Qt::KeyboardModifiers modifiers = {}) {
-        QWidget* focused = QApplication::focusWidget();
-        QKeyEvent event(QEvent::KeyPress, code, modifiers, text);
-        QApplication::sendEvent(focused ? focused : &window.view(), &event);
-        settle();
-    }
-    /// Everything is painted, and the window system has the pixels.
-    void settle() {
-        QApplication::processEvents();
-        QApplication::sendPostedEvents();
-        QGuiApplication::sync();
-    }
-    CaptureOverlayView& view() { return window.view(); }
-
-private:
-    void send(QEvent::Type type, QPoint p) {
-        const bool held = type != QEvent::MouseButtonRelease;
-        const QPointF points = QPointF(p) * height / designHeight / scale;
-        QMouseEvent event(type, points, points, type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton,
-                          held ? Qt::LeftButton : Qt::NoButton, {});
-        QApplication::sendEvent(&window.view(), &event);
-    }
-
-    int height;
-    QSize pixels{height * 16 / 9, height};
-    double scale = qApp->devicePixelRatio();
-    NoDefaults defaults;
-    EditorPreferences preferences{defaults};
-    CaptureOverlayWindow window{{.name = QStringLiteral("bench"),
-                                 .displayID = 1,
-                                 .nativeRect = QRect(QPoint(0, 0), pixels),
-                                 .scale = scale},
-                                preferences,
-                                Qt::X11BypassWindowManagerHint};
-};
-
-/// The pointer's way around a centre: `stride` pixels per step.
-QPoint around(QPoint center, int step, int radius, int stride) {
-    const double angle = step * static_cast<double>(stride) / radius;
-    return center + QPointF(radius * std::cos(angle), radius * std::sin(angle)).toPoint();
-}
 
 void steps(benchmark::State& state, Canvas& canvas, QPoint center, int radius, int stride) {
     int step = 0;
@@ -114,14 +20,14 @@ void steps(benchmark::State& state, Canvas& canvas, QPoint center, int radius, i
 }
 
 void dragSelection(benchmark::State& state) {
-    Canvas canvas(state);
+    Canvas canvas(state.range(0));
     canvas.press({200, 200});
     steps(state, canvas, {2600, 1400}, 500, static_cast<int>(state.range(1)));
     canvas.release({2600, 1400});
 }
 
 void moveSelection(benchmark::State& state) {
-    Canvas canvas(state);
+    Canvas canvas(state.range(0));
     canvas.drag({800, 500}, {2800, 1600});
     canvas.press({1500, 1000});
     steps(state, canvas, {1500, 1000}, 300, static_cast<int>(state.range(1)));
@@ -130,7 +36,7 @@ void moveSelection(benchmark::State& state) {
 
 /// The panels follow every step.
 void resizeSelection(benchmark::State& state) {
-    Canvas canvas(state);
+    Canvas canvas(state.range(0));
     canvas.drag({800, 500}, {2800, 1600});
     canvas.press({2800, 1600});
     steps(state, canvas, {2800, 1600}, 300, static_cast<int>(state.range(1)));
@@ -139,7 +45,7 @@ void resizeSelection(benchmark::State& state) {
 
 /// A stroke that already has `range(1)` points, with the tool of the key.
 void drawStroke(benchmark::State& state, int key, const char16_t* text) {
-    Canvas canvas(state);
+    Canvas canvas(state.range(0));
     canvas.drag({200, 200}, {3600, 2000});
     canvas.key(key, QString::fromUtf16(text));
     canvas.press({1900, 1100});
@@ -173,7 +79,7 @@ void moveRectangle(benchmark::State& state, Canvas& canvas) {
 
 /// A layer moved over `range(1)` finished strokes of 500 points.
 void moveLayerOverStrokes(benchmark::State& state) {
-    Canvas canvas(state);
+    Canvas canvas(state.range(0));
     canvas.drag({200, 200}, {3600, 2000});
     canvas.key(Qt::Key_P, QStringLiteral("p"));
     for (int layer = 0; layer < state.range(1); ++layer) {
@@ -187,7 +93,7 @@ void moveLayerOverStrokes(benchmark::State& state) {
 
 /// A layer moved over a stroke of the blur tool, which lies below it and so does not change.
 void moveLayerOverBlur(benchmark::State& state) {
-    Canvas canvas(state);
+    Canvas canvas(state.range(0));
     canvas.drag({200, 200}, {3600, 2000});
     canvas.key(Qt::Key_B, QStringLiteral("b"));
     canvas.press({1500, 1100});
@@ -199,7 +105,7 @@ void moveLayerOverBlur(benchmark::State& state) {
 
 /// A layer moved under such a stroke, whose patch changes with every step.
 void moveLayerUnderBlur(benchmark::State& state) {
-    Canvas canvas(state);
+    Canvas canvas(state.range(0));
     canvas.drag({200, 200}, {3600, 2000});
     canvas.key(Qt::Key_R, QStringLiteral("r"));
     canvas.drag({1800, 1000}, {2000, 1200});
@@ -213,21 +119,8 @@ void moveLayerUnderBlur(benchmark::State& state) {
     canvas.release({1800, 1180});
 }
 
-/// `range(1)` short strokes, spread over the selection.
-void drawMany(Canvas& canvas, long count) {
-    canvas.drag({200, 200}, {3600, 2000});
-    canvas.key(Qt::Key_P, QStringLiteral("p"));
-    for (int layer = 0; layer < count; ++layer) {
-        const QPoint start(300 + layer * 97 % 3200, 300 + layer * 53 % 1600);
-        canvas.press(start);
-        canvas.move(start + QPoint(20, 30));
-        canvas.release(start + QPoint(40, 20));
-    }
-    canvas.settle();
-}
-
 void drawAmongLayers(benchmark::State& state) {
-    Canvas canvas(state);
+    Canvas canvas(state.range(0));
     drawMany(canvas, state.range(1));
     canvas.press({1900, 1100});
     steps(state, canvas, {1900, 1100}, 500, 12);
@@ -235,7 +128,7 @@ void drawAmongLayers(benchmark::State& state) {
 }
 
 void selectToolAmongLayers(benchmark::State& state) {
-    Canvas canvas(state);
+    Canvas canvas(state.range(0));
     drawMany(canvas, state.range(1));
     bool pen = false;
     for (auto _ : state) {
@@ -246,7 +139,7 @@ void selectToolAmongLayers(benchmark::State& state) {
 
 /// The list of layers scrolled by a few points, as a wheel or the bar does it.
 void scrollList(benchmark::State& state) {
-    Canvas canvas(state);
+    Canvas canvas(state.range(0));
     drawMany(canvas, state.range(1));
     QScrollBar& bar = *canvas.view().findChild<QScrollBar*>(QStringLiteral("layerScrollBar"));
     int step = 0;
@@ -258,7 +151,7 @@ void scrollList(benchmark::State& state) {
 
 /// Back and forth through a full history.
 void undoAndRedo(benchmark::State& state) {
-    Canvas canvas(state);
+    Canvas canvas(state.range(0));
     drawMany(canvas, state.range(1));
     int step = 0;
     for (auto _ : state) {
@@ -275,7 +168,7 @@ QPoint scribble(int step) {
 
 /// Back and forth over one stroke of `range(1)` points.
 void undoStroke(benchmark::State& state) {
-    Canvas canvas(state);
+    Canvas canvas(state.range(0));
     canvas.drag({200, 200}, {3600, 2000});
     canvas.key(Qt::Key_P, QStringLiteral("p"));
     canvas.press(scribble(0));
@@ -304,7 +197,7 @@ void beginText(benchmark::State& state, Canvas& canvas) {
 
 /// The text is pasted into an empty field; taking it out again does not count.
 void pasteText(benchmark::State& state) {
-    Canvas canvas(state);
+    Canvas canvas(state.range(0));
     beginText(state, canvas);
     for (auto _ : state) {
         canvas.key(Qt::Key_V, {}, Qt::ControlModifier);
@@ -317,7 +210,7 @@ void pasteText(benchmark::State& state) {
 
 /// The text becomes a layer; undoing that and typing it again does not count.
 void commitText(benchmark::State& state) {
-    Canvas canvas(state);
+    Canvas canvas(state.range(0));
     beginText(state, canvas);
     canvas.key(Qt::Key_V, {}, Qt::ControlModifier);
     for (auto _ : state) {
@@ -333,7 +226,7 @@ void commitText(benchmark::State& state) {
 
 /// A character typed at the end of a text that has `range(1)` already.
 void typeText(benchmark::State& state) {
-    Canvas canvas(state);
+    Canvas canvas(state.range(0));
     beginText(state, canvas);
     canvas.key(Qt::Key_V, {}, Qt::ControlModifier);
     for (auto _ : state)
@@ -346,7 +239,7 @@ void typeText(benchmark::State& state) {
 }
 
 void hover(benchmark::State& state) {
-    Canvas canvas(state);
+    Canvas canvas(state.range(0));
     canvas.drag({200, 200}, {3600, 2000});
     canvas.key(Qt::Key_P, QStringLiteral("p"));
     canvas.press({1900, 1100});
@@ -359,7 +252,7 @@ void hover(benchmark::State& state) {
 
 /// Everything painted anew, as after the first map: the upper bound.
 void wholeCanvas(benchmark::State& state) {
-    Canvas canvas(state);
+    Canvas canvas(state.range(0));
     for (auto _ : state) {
         canvas.view().repaint();
         canvas.settle();
