@@ -197,6 +197,7 @@ TEST(ApplicationFlow, ValuesOfEveryWrongTypeAreAsGoodAsNone) {
                                 QJsonObject{{QStringLiteral("data"), QStringLiteral("AAEC")}},
                                 {}};
     ApplicationOnDesktop vistrel(plainDesktop());
+    int launches = 0;
     for (const QJsonValue& value : wrong) {
         QJsonObject all;
         for (const char* key :
@@ -210,10 +211,8 @@ TEST(ApplicationFlow, ValuesOfEveryWrongTypeAreAsGoodAsNone) {
         vistrel.setDefaults(all);
         vistrel.launch();
         ASSERT_TRUE(vistrel.opens(setupWindow)) << vistrel.program->standardError().constData();
-        ASSERT_TRUE(vistrel.capture());
-        vistrel.session.input().key(Key::escape);
-        EXPECT_TRUE(
-            waitUntil([&] { return vistrel.actions().last() == QLatin1StringView("captureClosed"); }));
+        vistrel.pressShortcut();
+        ASSERT_TRUE(vistrel.waitFor(QStringLiteral("captureRequested"), ++launches));
         EXPECT_TRUE(waitUntil([&] { return vistrel.storedShortcut() == QLatin1StringView("768+9"); }));
         EXPECT_EQ(vistrel.end(), 0);
     }
@@ -294,10 +293,15 @@ TEST(ApplicationFlow, ThePreviewShowsTheOverlayAndASecondStartLeavesItThere) {
             return window.overrideRedirect && window.rect == QRect(0, 0, 1280, 720);
         });
     };
-    ASSERT_TRUE(waitUntil([&] { return overlays() == 1; }));
+    ASSERT_TRUE(waitUntil([&] {
+        const auto windows = vistrel.session.client().mappedWindows();
+        return overlays() == 1 && vistrel.session.client().focusedWindow() == windows.back().id;
+    }));
     EXPECT_FALSE(vistrel.isOpen(setupWindow) || vistrel.isOpen(settingsWindow));
-    vistrel.session.input().key(Key::escape);
-    ASSERT_TRUE(waitUntil([&] { return overlays() == 0; }));
+    ASSERT_TRUE(waitUntil([&] {
+        vistrel.session.input().key(Key::escape);
+        return overlays() == 0;
+    }));
 
     ASSERT_TRUE(vistrel.capture());
     vistrel.session.input().drag({100, 100}, {300, 250});
