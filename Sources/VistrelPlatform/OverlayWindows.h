@@ -3,6 +3,7 @@
 #include "VistrelPlatform/Screen.h"
 #include "VistrelPlatform/ScreenCapturer.h"
 
+#include <functional>
 #include <memory>
 
 class QWidget;
@@ -36,4 +37,8 @@ public:
     virtual bool hasKeyboardFocus(const QWidget& window) const = 0;
     /// Makes a dialog of ours appear above lowered overlays and take the keyboard. Call before `show`.
     virtual void prepareDialog(QWidget& dialog) = 0;
+
+    /// An overlay window has got the keyboard, at first or again. The toolkit does not tell when a window
+    /// manager took it for a moment only.
+    std::function<void()> onKeyboardFocus;
 };

@@ -212,7 +212,7 @@ TEST(ApplicationFlow, ValuesOfEveryWrongTypeAreAsGoodAsNone) {
         vistrel.launch();
         ASSERT_TRUE(vistrel.opens(setupWindow)) << vistrel.program->standardError().constData();
         vistrel.pressShortcut();
-        ASSERT_TRUE(vistrel.waitFor(QStringLiteral("captureRequested"), ++launches));
+        ASSERT_TRUE(vistrel.waitFor(QStringLiteral("captureReady"), ++launches));
         EXPECT_TRUE(waitUntil([&] { return vistrel.storedShortcut() == QLatin1StringView("768+9"); }));
         EXPECT_EQ(vistrel.end(), 0);
     }

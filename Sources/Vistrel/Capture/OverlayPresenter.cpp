@@ -17,7 +17,9 @@ void record(const std::shared_ptr<CaptureTiming>& timing, const QString& phase,
 
 OverlayPresenter::OverlayPresenter(Services presenterServices) : services(presenterServices) {}
 
-OverlayPresenter::~OverlayPresenter() = default;
+OverlayPresenter::~OverlayPresenter() {
+    services.overlayWindows.onKeyboardFocus = {};
+}
 
 bool OverlayPresenter::matches(const std::vector<Screen>& screens) const {
     return std::ranges::equal(windows, screens, [](const auto& window, const Screen& screen) {
@@ -157,6 +159,7 @@ void OverlayPresenter::submitDraws(const Timing& timing) {
 
 void OverlayPresenter::hide() {
     focusObservers.reset();
+    services.overlayWindows.onKeyboardFocus = {};
     if (presentationTiming)
         presentationTiming->abandon();
     presentationTiming.reset();
@@ -238,6 +241,10 @@ void OverlayPresenter::observeActivation() {
                 if (window && !suspended)
                     observeInputFocus();
             });
+    services.overlayWindows.onKeyboardFocus = [this] {
+        if (!suspended && !shown.empty())
+            applicationBecameActive();
+    };
 }
 
 void OverlayPresenter::applicationBecameActive() {
@@ -248,7 +255,8 @@ void OverlayPresenter::applicationBecameActive() {
     const bool dialogInFront =
         std::ranges::any_of(candidates, [](const auto* window) { return window->dialogAttached; });
     if (target && !dialogInFront) {
-        if (alreadyKey == candidates.end())
+        // The window system's word is not the toolkit's: both must hold it for the focused one.
+        if (alreadyKey == candidates.end() || QApplication::activeWindow() != target)
             services.overlayWindows.takeFocus(*target);
         if (!target->view().isAncestorOf(QApplication::focusWidget()))
             target->view().setFocus();

@@ -42,6 +42,15 @@ void refuseShadow(xcb_connection_t* connection, xcb_window_t window) {
                         internAtom(connection, "_GTK_FRAME_EXTENTS"), XCB_ATOM_CARDINAL, 32, 4, none);
 }
 
+/// Windows of ours that a window manager manages, such as the settings, stand below every overlay.
+bool liesBehindOverlays(xcb_window_t id) {
+    const QWidgetList all = QApplication::topLevelWidgets();
+    return std::ranges::any_of(all, [id](const QWidget* widget) {
+        return widget->internalWinId() == id && widget->windowType() != Qt::Popup &&
+               !widget->windowFlags().testFlag(Qt::X11BypassWindowManagerHint);
+    });
+}
+
 } // namespace
 
 X11OverlayWindows::X11OverlayWindows() : connection(toolkitConnection()), stacking(connection) {
@@ -242,6 +251,17 @@ bool X11OverlayWindows::hasKeyboardFocus(const QWidget& window) const {
     return id != XCB_NONE && focusedWindow() == id;
 }
 
+void X11OverlayWindows::focusReturned(xcb_window_t id) {
+    const bool isOverlay = std::ranges::any_of(
+        overlays, [id](const auto& row) { return row.second.shown && idOf(*row.first) == id; });
+    // The toolkit gets to know it first.
+    if (isOverlay)
+        QTimer::singleShot(0, this, [this] {
+            if (onKeyboardFocus)
+                onKeyboardFocus();
+        });
+}
+
 void X11OverlayWindows::focusLost() {
     const auto found = overlays.find(focusHolder);
     if (found == overlays.end() || !found->second.shown ||
@@ -249,7 +269,8 @@ void X11OverlayWindows::focusLost() {
         return;
     const xcb_setup_t* setup = xcb_get_setup(connection);
     const TopLevelWindows::Client ours{setup->resource_id_base, setup->resource_id_mask};
-    if (ours.owns(focusedWindow()) || focusAttempts >= mostFocusAttempts)
+    const xcb_window_t focused = focusedWindow();
+    if ((ours.owns(focused) && !liesBehindOverlays(focused)) || focusAttempts >= mostFocusAttempts)
         return;
     ++focusAttempts;
     focusCalm.start();
@@ -301,6 +322,12 @@ bool X11OverlayWindows::nativeEventFilter(const QByteArray& type, void* message,
         if (reinterpret_cast<const xcb_configure_notify_event_t&>(event).event == root)
             restackSoon.start();
         break;
+    case XCB_FOCUS_IN: {
+        const auto& focus = reinterpret_cast<const xcb_focus_in_event_t&>(event);
+        if (focus.mode == XCB_NOTIFY_MODE_NORMAL && focus.detail != XCB_NOTIFY_DETAIL_POINTER)
+            focusReturned(focus.event);
+        break;
+    }
     case XCB_FOCUS_OUT: {
         const auto& focus = reinterpret_cast<const xcb_focus_out_event_t&>(event);
         const bool ours = focusHolder && focus.event == idOf(*focusHolder);

@@ -48,6 +48,7 @@ private:
     void watchOtherWindows();
     void restoreStacking();
     void focusLost();
+    void focusReturned(xcb_window_t id);
     bool setFocus(xcb_window_t id, xcb_timestamp_t time) const;
     xcb_window_t focusedWindow() const;
 
