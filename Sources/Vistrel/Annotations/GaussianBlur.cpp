@@ -139,7 +139,7 @@ struct Work {
         inMemory = {std::max(readColumns.first, 0), std::min(readColumns.end, picture.width)};
         readWidth = roundedUp(inMemory.count() * channels);
         ring.resize(static_cast<std::size_t>(readWidth) * ringRows);
-        padded.resize(static_cast<std::size_t>(readColumns.count() * channels + lanes));
+        padded.resize(static_cast<std::size_t>(readColumns.count()) * channels + lanes);
         keptWidth = roundedUp(keptColumns.count() * channels);
         wide.resize(static_cast<std::size_t>(wideColumns.count()) * channels);
         kept.resize(static_cast<std::size_t>(keptWidth) * static_cast<std::size_t>(wideRows.count()));

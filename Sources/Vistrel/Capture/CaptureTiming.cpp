@@ -137,7 +137,7 @@ std::optional<CaptureTiming::Report> CaptureTiming::decode(const QByteArray& byt
                   .error = error.isString() ? std::optional(error.toString()) : std::nullopt,
                   .boundary = object.value(boundaryKey).toString()};
     const QJsonArray phases = object.value(phasesKey).toArray();
-    for (const QJsonValue& value : phases) {
+    for (const auto& value : phases) {
         const std::optional<Phase> phase = phaseFrom(value.toObject());
         if (!phase)
             return std::nullopt;
