@@ -132,10 +132,12 @@ void X11HotKeyBackend::unregisterHotKey(HotKeyId id) {
 }
 
 void X11HotKeyBackend::keyboardChanged() {
-    readKeysDown();
     const X11Modifiers current = X11Modifiers::read(connection);
+    // Another keyboard of the same kind. The keys held down are known: asking the server now would run ahead
+    // of the presses that are still on their way here.
     if (current == modifierMap)
         return;
+    readKeysDown();
     for (const Registration& registration : registrations)
         ungrab(registration);
     modifierMap = current;
