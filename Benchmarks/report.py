@@ -128,9 +128,9 @@ def draw(rows, path):
     """One bar per budget: the line is where the budget ends."""
     line_height, left, scale, top = 26, 330, 260, 46
     height = top + line_height * len(rows) + 18
-    parts = [f'<svg xmlns="http://www.w3.org/2000/svg" width="860" height="{height}" '
+    parts = [f'<svg xmlns="http://www.w3.org/2000/svg" width="930" height="{height}" '
              'font-family="sans-serif" font-size="13">',
-             f'<rect width="860" height="{height}" fill="#ffffff"/>',
+             f'<rect width="930" height="{height}" fill="#ffffff"/>',
              '<text x="16" y="26" font-size="16" font-weight="bold" fill="#222222">Budgets: how much of each is used'
              '</text>']
     for index, row in enumerate(rows):
