@@ -108,7 +108,7 @@ std::optional<std::vector<ScreenshotShortcut>> ScreenshotShortcut::decodeList(co
         return std::nullopt;
     std::vector<ScreenshotShortcut> shortcuts;
     const QJsonArray elements = document.array();
-    for (const QJsonValue& element : elements) {
+    for (const auto& element : elements) {
         const auto shortcut = shortcutIn(element);
         if (!shortcut)
             return std::nullopt;

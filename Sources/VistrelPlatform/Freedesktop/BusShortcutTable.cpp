@@ -33,7 +33,7 @@ Result<ShortcutTable::Entries> BusShortcutTable::read() {
         refresh();
         return *latest;
     }
-    const Result<Entries> table = readNow();
+    Result<Entries> table = readNow();
     if (table)
         latest = *table;
     return table;

@@ -18,7 +18,7 @@ const QString screenshot = QStringLiteral("screenshot");
 } // namespace
 
 QString PortalScreenAccess::sandboxName() {
-    if (const QString flatpak = qEnvironmentVariable("FLATPAK_ID"); !flatpak.isEmpty())
+    if (QString flatpak = qEnvironmentVariable("FLATPAK_ID"); !flatpak.isEmpty())
         return flatpak;
     const QString snap = qEnvironmentVariable("SNAP_INSTANCE_NAME");
     return snap.isEmpty() ? QString() : QStringLiteral("snap.") + snap;

@@ -32,14 +32,14 @@ QIcon iconOf(GAppInfo* application) {
         return {};
     if (G_IS_FILE_ICON(icon)) {
         char* path = g_file_get_path(g_file_icon_get_file(G_FILE_ICON(icon)));
-        const QIcon found(QString::fromUtf8(path));
+        QIcon found(QString::fromUtf8(path));
         g_free(path);
         return found;
     }
     if (!G_IS_THEMED_ICON(icon))
         return {};
     for (const gchar* const* name = g_themed_icon_get_names(G_THEMED_ICON(icon)); *name != nullptr; ++name) {
-        const QIcon found = QIcon::fromTheme(QString::fromUtf8(*name));
+        QIcon found = QIcon::fromTheme(QString::fromUtf8(*name));
         if (!found.isNull())
             return found;
     }

@@ -4,6 +4,7 @@
 
 std::vector<EditorShortcutEntry> EditorShortcutEntry::tools() {
     std::vector<EditorShortcutEntry> entries;
+    entries.reserve(AnnotationTools::displayOrder.size());
     for (const AnnotationTool tool : AnnotationTools::displayOrder)
         entries.push_back({AnnotationTools::title(tool), QString(AnnotationTools::key(tool).toUpper())});
     return entries;
