@@ -1,11 +1,14 @@
 #include "Capture/OverlayPresenter.h"
 
+#include "Overlay/BadgeText.h"
 #include "Overlay/CaptureOverlayView.h"
 #include "Overlay/CaptureOverlayWindow.h"
+#include "VistrelPlatform/System/WhenFinished.h"
 
 #include <QApplication>
 #include <QTimer>
 #include <QWindow>
+#include <QtConcurrentRun>
 
 namespace {
 void record(const std::shared_ptr<CaptureTiming>& timing, const QString& phase,
@@ -36,6 +39,19 @@ void OverlayPresenter::rebuild(const std::vector<Screen>& screens) {
         window->view().installEventFilter(this);
         windows.push_back(std::move(window));
     }
+    prepareText();
+}
+
+void OverlayPresenter::prepareText() {
+    // The list of fonts is read beside the event loop, so that neither the start nor a capture waits for it.
+    const auto loading = QtConcurrent::run([] {
+        BadgeText::loadSystemFonts();
+        return true;
+    });
+    whenFinished(loading, this, [this](bool) {
+        for (const auto& window : windows)
+            window->view().prepareText();
+    });
 }
 
 void OverlayPresenter::destroyWindows() {

@@ -69,6 +69,7 @@ private:
     using Timing = std::shared_ptr<CaptureTiming>;
     using Shown = std::vector<CaptureOverlayWindow*>;
 
+    void prepareText();
     void track(const Timing& timing);
     void prepareWindow(CaptureOverlayWindow& window, const FrozenDisplay& display, int index);
     void timeFirstDraw(CaptureOverlayView& view, std::uint32_t displayID, const Timing& timing);

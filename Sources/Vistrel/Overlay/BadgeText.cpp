@@ -8,26 +8,35 @@ namespace {
 constexpr int fontSize = 13;
 }
 
-BadgeText::BadgeText() : font(QFontDatabase::systemFont(QFontDatabase::GeneralFont)) {
-    font.setPixelSize(fontSize);
-    font.setWeight(QFont::Medium);
-    const QFontMetricsF metrics(font);
-    for (char16_t digit = u'0'; digit <= u'9'; ++digit)
-        digitWidth = std::max(digitWidth, metrics.horizontalAdvance(QChar(digit)));
+void BadgeText::loadSystemFonts() {
+    static_cast<void>(QFontDatabase::hasFamily(QFont().family()));
 }
 
-double BadgeText::advance(QChar character) const {
+const BadgeText::Face& BadgeText::face() const {
+    if (found)
+        return *found;
+    found.emplace().font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
+    found->font.setPixelSize(fontSize);
+    found->font.setWeight(QFont::Medium);
+    const QFontMetricsF metrics(found->font);
+    for (char16_t digit = u'0'; digit <= u'9'; ++digit)
+        found->digitWidth = std::max(found->digitWidth, metrics.horizontalAdvance(QChar(digit)));
+    return *found;
+}
+
+double BadgeText::Face::advance(QChar character) const {
     return character.isDigit() ? digitWidth : QFontMetricsF(font).horizontalAdvance(character);
 }
 
 Size BadgeText::size(const QString& text) const {
     double width = 0;
     for (const QChar character : text)
-        width += advance(character);
-    return {width, QFontMetricsF(font).height()};
+        width += face().advance(character);
+    return {width, QFontMetricsF(face().font).height()};
 }
 
 void BadgeText::draw(QPainter& painter, QPointF topLeft, const QString& text) const {
+    const auto& [font, digitWidth] = face();
     const QFontMetricsF metrics(font);
     painter.setFont(font);
     double x = topLeft.x();

@@ -116,6 +116,10 @@ void CaptureOverlayView::resetSession(const CapturedImage& captured, double disp
     update();
 }
 
+void CaptureOverlayView::prepareText() {
+    canvas->badgeText.prepare();
+}
+
 bool CaptureOverlayView::hasImage() const {
     return editor->session.document.hasImage();
 }

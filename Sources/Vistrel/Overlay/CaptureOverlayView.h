@@ -44,6 +44,8 @@ public:
     void cancelOperation();
     /// The annotated selection in image pixels; nothing when it touches none.
     std::optional<QImage> outputImage();
+    /// Finds the fonts of the badge before a capture needs them.
+    void prepareText();
     /// The pointer for where it is now.
     void refreshCanvasCursor();
     /// Offers the keys that work whichever control has the keyboard. True when one was meant.
