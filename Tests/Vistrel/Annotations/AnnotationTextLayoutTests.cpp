@@ -47,25 +47,12 @@ QRect inkOf(const QString& text, double fontSize, Size box, double scale = 1) {
 
 } // namespace
 
-struct TextHeightCase {
-    const char* name;
-    QString text;
-    double lines;
-};
-
 TEST(AnnotationTextLayout, everyLineFeedMakesRoom) {
-    const TextHeightCase cases[] = {
-        {"empty", {}, 1},
-        {"one", QStringLiteral("word"), 1},
-        {"two", QStringLiteral("word\nword"), 2},
-        {"lineFeedAtTheEnd", QStringLiteral("word\n"), 2},
-        {"onlyLineFeeds", QStringLiteral("\n\n"), 3},
-        {"emptyLineBetween", QStringLiteral("a\n\nb"), 3},
-    };
-    for (const TextHeightCase& c : cases)
-        for (const double fontSize : {7.0, 19.2, 24.0, 99.0})
-            EXPECT_EQ(sizeOf(c.text, fontSize).height, std::ceil(c.lines * lineHeight(fontSize)))
-                << c.name << " " << fontSize;
+    for (const auto& [text, lines] : {std::pair("", 1), {"word\n", 2}, {"\n\n", 3}, {"a\n\nb", 3}})
+        for (const double fontSize : {7.0, 19.2, 99.0})
+            EXPECT_EQ(sizeOf(QString::fromLatin1(text), fontSize).height,
+                      std::ceil(lines * lineHeight(fontSize)))
+                << text << " " << fontSize;
 }
 
 TEST(AnnotationTextLayout, widthIsThatOfTheWidestLineAndOne) {

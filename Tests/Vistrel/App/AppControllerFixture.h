@@ -60,11 +60,6 @@ public:
         std::vector<SettingsPage> asked;
         bool exist = true;
     };
-    struct Begun {
-        CaptureTime::Instant at;
-        std::shared_ptr<CaptureTiming> timing;
-    };
-
     static inline const ScreenshotShortcut nine = ScreenshotShortcut::defaultShortcut();
     static inline const ScreenshotShortcut four{21, 768, QStringLiteral("4")};
     static inline const ScreenshotShortcut p{35, 768, QStringLiteral("P")};
@@ -78,8 +73,8 @@ public:
         defaults.setData(QStringLiteral("screenshotShortcuts"), ScreenshotShortcut::encodeList({shortcut}));
     }
 
-    AppController& make(bool installed = false, const QStringList& arguments = {}) {
-        controller = std::make_unique<AppController>(services(installed, arguments));
+    AppController& make() {
+        controller = std::make_unique<AppController>(services());
         const auto note = [this](const char* text) {
             return [this, text] { log << QString::fromLatin1(text); };
         };
@@ -99,17 +94,11 @@ public:
                                         }};
         return *controller;
     }
-    AppController& launch(bool installed = false, const QStringList& arguments = {}) {
-        make(installed, arguments).applicationDidFinishLaunching();
+    AppController& launch() {
+        make().applicationDidFinishLaunching();
         return *controller;
     }
 
-    std::vector<Diagnostic::Action> journalled() {
-        std::vector<Diagnostic::Action> actions;
-        for (const LocalDiagnostics::Event& event : journal.snapshot().result().events)
-            actions.push_back(event.action);
-        return actions;
-    }
     /// The presentation's calls since the last look.
     QStringList takeLog() { return std::exchange(log, {}); }
 
@@ -131,7 +120,7 @@ public:
     bool promptExists = false;
     std::function<void(bool)> promptAnswer;
     bool busy = false;
-    std::vector<Begun> begun;
+    int begun = 0;
     std::function<void()> onNeedsPermission;
     Pages pages;
     QStringList log;
@@ -140,9 +129,7 @@ public:
 private:
     CaptureSession session() {
         CaptureSession session;
-        session.begin = [this](CaptureTime::Instant at, std::shared_ptr<CaptureTiming> timing) {
-            begun.push_back({at, std::move(timing)});
-        };
+        session.begin = [this](CaptureTime::Instant, const std::shared_ptr<CaptureTiming>&) { ++begun; };
         session.close = [this] { log << QStringLiteral("close"); };
         session.prepareOverlays = [this] { log << QStringLiteral("prepare"); };
         session.beginPreview = [this] { log << QStringLiteral("preview"); };
@@ -150,7 +137,7 @@ private:
         return session;
     }
 
-    AppController::Services services(bool installed, const QStringList& arguments) {
+    AppController::Services services() {
         ScreenAccessRequest access{[this] { return granted; }, {}};
         if (promptExists)
             access.prompt = [this](std::function<void(bool)> answer) {
@@ -172,7 +159,7 @@ private:
                     },
                 .pruneReportDrafts = {},
                 .terminate = [this] { log << QStringLiteral("terminate"); },
-                .installed = installed,
-                .arguments = arguments};
+                .installed = false,
+                .arguments = {}};
     }
 };

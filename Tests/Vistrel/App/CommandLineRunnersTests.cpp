@@ -19,43 +19,6 @@ protected:
     }
 };
 
-TEST_F(CommandLineRunnersTest, UsageErrorsEndWithTheirStatus) {
-    EXPECT_EQ(CommandLineRunners::reportUsage({QStringLiteral("Expected"), 2}, console), 2);
-    EXPECT_EQ(errors, "Expected\n");
-    EXPECT_EQ(output, "");
-}
-
-TEST_F(CommandLineRunnersTest, TheTimingReportIsPrintedByteForByte) {
-    const QString path = folder.filePath(QStringLiteral("report.json"));
-    EXPECT_EQ(CommandLineRunners::printLastCaptureTiming(path, console), 1);
-    EXPECT_TRUE(errors.startsWith("No readable capture timing report: "));
-    EXPECT_EQ(errors.count('\n'), 1);
-
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("not \0 JSON\r\n\xff", 13);
-    file.close();
-    EXPECT_EQ(CommandLineRunners::printLastCaptureTiming(path, console), 0);
-    EXPECT_EQ(output, QByteArray("not \0 JSON\r\n\xff\n", 14));
-
-    EXPECT_EQ(CommandLineRunners::printLastCaptureTiming(folder.path(), console), 1) << "a folder";
-}
-
-TEST_F(CommandLineRunnersTest, TheIconsetModeReportsItsFailure) {
-    const QString directory = folder.filePath(QStringLiteral("a/b.iconset"));
-    EXPECT_EQ(CommandLineRunners::exportIconset({directory}, console), 0);
-    EXPECT_EQ(QDir(directory).entryList(QDir::Files).size(), 10);
-    EXPECT_EQ(errors, "");
-    EXPECT_EQ(CommandLineRunners::exportIconset({directory + QStringLiteral("/icon_16x16.png")}, console), 1);
-    EXPECT_TRUE(errors.startsWith("Icon export failed: "));
-}
-
-TEST_F(CommandLineRunnersTest, AHistoryThatDoesNotFitIsAFindingNotAFailure) {
-    EXPECT_EQ(CommandLineRunners::profileBuffer({5120, 2880, 2, 60}, console), 0);
-    EXPECT_EQ(output, "5120×2880, 2 displays: on-demand capture (memory budget)\n");
-    EXPECT_EQ(errors, "");
-}
-
 TEST_F(CommandLineRunnersTest, EnablingLaunchAtLoginPrintsTheStatusAfterwards) {
     loginItem.fault = Error{ErrorDomain::system, 13, QStringLiteral("Permission denied")};
     EXPECT_EQ(CommandLineRunners::enableLaunchAtLogin(login, console), 1);

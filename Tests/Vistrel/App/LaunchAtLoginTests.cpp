@@ -50,14 +50,10 @@ TEST_F(LaunchAtLogin, CallsTheDesktopOnlyWhenSomethingChanges) {
     using Status = LoginItemStatus;
     for (const StepCase& row : {
              StepCase{"firstLaunch", Status::notRegistered, Step::first, "+"},
-             StepCase{"firstLaunchNotFound", Status::notFound, Step::first, "+"},
              StepCase{"firstLaunchWaiting", Status::requiresApproval, Step::first, ""},
              StepCase{"onWhenEnabled", Status::enabled, Step::on, ""},
-             StepCase{"onWhenOff", Status::notRegistered, Step::on, "+"},
-             StepCase{"offWhenOff", Status::notRegistered, Step::off, ""},
              StepCase{"offWhenNotFound", Status::notFound, Step::off, ""},
              StepCase{"offWhenWaiting", Status::requiresApproval, Step::off, "-"},
-             StepCase{"toggleEnabled", Status::enabled, Step::toggle, "-"},
              StepCase{"toggleWaiting", Status::requiresApproval, Step::toggle, "-"},
              StepCase{"toggleOff", Status::notRegistered, Step::toggle, "+"},
          }) {
@@ -71,15 +67,6 @@ TEST_F(LaunchAtLogin, CallsTheDesktopOnlyWhenSomethingChanges) {
         EXPECT_EQ(item.calls, QLatin1StringView(row.calls)) << row.name;
         EXPECT_TRUE(flag()) << row.name;
     }
-}
-
-TEST_F(LaunchAtLogin, AUserWhoTurnedItOffIsNotOverruled) {
-    item.now = LoginItemStatus::enabled;
-    ASSERT_TRUE(service.setEnabled(false));
-    item.now = LoginItemStatus::notRegistered;
-    item.calls.clear();
-    ASSERT_TRUE(service.configureDefault());
-    EXPECT_TRUE(item.calls.isEmpty());
 }
 
 TEST_F(LaunchAtLogin, AFailureIsPassedOnAndTriedAgain) {

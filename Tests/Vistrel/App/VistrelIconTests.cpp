@@ -1,21 +1,11 @@
 #include "App/VistrelIcon.h"
 
-#include <QDir>
-#include <QFile>
 #include <QPainter>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
 namespace {
-
-QImage drawn(int side) {
-    QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::transparent);
-    QPainter painter(&image);
-    VistrelIcon::draw(painter, QRectF(0, 0, side, side), Qt::red);
-    return image;
-}
 
 struct Spot {
     const char* name;
@@ -26,7 +16,11 @@ struct Spot {
 } // namespace
 
 TEST(VistrelIcon, EveryPartIsWhereItBelongs) {
-    const QImage image = drawn(1000);
+    QImage image(1000, 1000, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    VistrelIcon::draw(painter, QRectF(image.rect()), Qt::red);
+    painter.end();
     for (const Spot& spot : {
              Spot{"topLeftCorner", 0.01, 0.01, true},
              Spot{"bottomRightCorner", 0.99, 0.99, true},
@@ -60,31 +54,11 @@ TEST(VistrelIcon, AWideImageHoldsTheGlyphInItsMiddle) {
     EXPECT_EQ(VistrelIcon::icon().pixmap(QSize(22, 22), 1).size(), QSize(22, 22));
 }
 
-TEST(VistrelIcon, TheSetIsTenFilesOfTheStatedSizes) {
+TEST(VistrelIcon, ThePicturesOfTheSetShowTheGlyphOnItsGround) {
     const QTemporaryDir folder;
-    const QDir directory(folder.filePath(QStringLiteral("a/Vistrel.iconset")));
-    ASSERT_TRUE(VistrelIcon::exportIconset(directory.path()));
-    ASSERT_TRUE(VistrelIcon::exportIconset(directory.path()));
-    EXPECT_EQ(directory.entryList(QDir::Files | QDir::Hidden).size(), 10);
-    for (const int size : {16, 32, 128, 256, 512}) {
-        for (const int scale : {1, 2}) {
-            const QImage image(directory.filePath(QStringLiteral("icon_%1x%1%2.png")
-                                                      .arg(size)
-                                                      .arg(scale == 2 ? QStringLiteral("@2x") : QString())));
-            EXPECT_EQ(image.size(), QSize(size, size) * scale);
-            EXPECT_EQ(image.pixel(0, 0), 0U);
-        }
-    }
-    const QImage largest(directory.filePath(QStringLiteral("icon_512x512@2x.png")));
+    ASSERT_TRUE(VistrelIcon::exportIconset(folder.path()));
+    const QImage largest(folder.filePath(QStringLiteral("icon_512x512@2x.png")));
+    EXPECT_EQ(largest.pixel(0, 0), 0U);
     EXPECT_EQ(largest.pixel(512, 100), QColor::fromRgbF(0.92F, 0.96F, 1.0F).rgba());
     EXPECT_EQ(largest.pixel(258, 258), QColor::fromRgbF(0.1F, 0.34F, 0.82F).rgba());
-}
-
-TEST(VistrelIcon, AFileInTheWayIsAnError) {
-    const QTemporaryDir folder;
-    QFile file(folder.filePath(QStringLiteral("set")));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    const Result<void> outcome = VistrelIcon::exportIconset(file.fileName());
-    ASSERT_FALSE(outcome);
-    EXPECT_FALSE(outcome.error().description.isEmpty());
 }

@@ -32,34 +32,12 @@ const CaptureTiming::Report sample{
     .boundary = QStringLiteral("x"),
 };
 
-TEST(CaptureTimingTests, phasesMeasureFromTheStartAndFromTheirOwnBeginning) {
-    const CaptureTiming::Instant begun = CaptureTime::now();
-    CaptureTiming timing(begun - milliseconds(500), QStringLiteral("menu_bar"));
-    std::vector<CaptureTiming::Phase> seen;
-    timing.onPhase = [&](const CaptureTiming::Phase& phase) {
-        EXPECT_EQ(timing.phases().back(), phase) << "appended before it is told";
-        seen.push_back(phase);
-    };
-    timing.recordPhase(QStringLiteral("permission_check"), {.since = begun - milliseconds(200)});
-    timing.recordPhase(QStringLiteral("capture_task_started"));
-    timing.recordPhase(QStringLiteral("display_image_available"),
-                       {.displayID = 7, .since = begun - milliseconds(100), .width = 10, .height = 20});
-    const double limit = CaptureTime::milliseconds(CaptureTime::now() - begun);
-    EXPECT_EQ(seen, timing.phases());
-    EXPECT_GE(seen.at(0).offsetMS, 500);
-    EXPECT_LE(seen.at(0).offsetMS, 500 + limit);
-    EXPECT_GE(seen.at(0).durationMS, 200);
-    EXPECT_LE(seen.at(0).durationMS, 200 + limit);
-    EXPECT_EQ(seen.at(1).durationMS, 0);
-    EXPECT_GE(seen.at(2).durationMS, 100);
-    EXPECT_EQ(seen.at(2).displayID, 7U);
-    EXPECT_EQ(seen.at(2).width, 10);
-    EXPECT_EQ(seen.at(2).height, 20);
-}
-
 TEST(CaptureTimingTests, onlyTheFirstFinishReports) {
     CaptureTiming timing(CaptureTime::now() - milliseconds(40), QStringLiteral("menu_bar"));
-    timing.recordPhase(QStringLiteral("permission_check"));
+    timing.recordPhase(QStringLiteral("permission_check"), {.since = CaptureTime::now() - milliseconds(20)});
+    EXPECT_GE(timing.phases().front().offsetMS, 40);
+    EXPECT_GE(timing.phases().front().durationMS, 20);
+    EXPECT_LT(timing.phases().front().durationMS, timing.phases().front().offsetMS);
     const std::optional<CaptureTiming::Report> report = timing.finish(QStringLiteral("why"));
     ASSERT_TRUE(report);
     EXPECT_EQ(report->source, QStringLiteral("menu_bar"));
@@ -102,11 +80,9 @@ TEST(CaptureTimingTests, theReportIsIndentedJSONWithSortedKeysAndExactNumbers) {
 TEST(CaptureTimingTests, aReportIsReadAsItWasWritten) {
     CaptureTiming::Report failed = sample;
     failed.error = QStringLiteral("No display");
-    EXPECT_EQ(CaptureTiming::decode(CaptureTiming::encode(sample)), sample);
-    EXPECT_EQ(CaptureTiming::decode(CaptureTiming::encode(failed)), failed);
-    const QByteArray both = CaptureTiming::encode(std::vector{sample, failed});
-    EXPECT_EQ(QJsonDocument::fromJson(both).array().size(), 2);
-    EXPECT_EQ(CaptureTiming::decode(both), std::nullopt);
+    for (const CaptureTiming::Report& report : {sample, failed})
+        EXPECT_EQ(CaptureTiming::decode(CaptureTiming::encode(report)), report);
+    EXPECT_EQ(CaptureTiming::decode(CaptureTiming::encode(std::vector{sample, failed})), std::nullopt);
 }
 
 TEST(CaptureTimingTests, aReportWithoutARequiredValueIsNone) {

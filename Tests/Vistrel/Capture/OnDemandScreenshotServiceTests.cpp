@@ -1,6 +1,7 @@
 #include "Capture/CaptureError.h"
 #include "Capture/CapturePixelSize.h"
 #include "Capture/OnDemandScreenshotService.h"
+#include "Support/EmptyDefaults.h"
 
 #include <QSemaphore>
 #include <QTemporaryDir>
@@ -12,38 +13,6 @@
 #include <map>
 
 namespace {
-
-struct PixelSizeCase {
-    const char* name;
-    Size point;
-    double scale;
-    bool downscale;
-    PixelSize expected;
-};
-const PixelSizeCase pixelSizeCases[] = {
-    {"retinaReduced", {1440, 900}, 2.0, true, {1440, 900}},
-    {"retinaFull", {1440, 900}, 2.0, false, {2880, 1800}},
-    {"plainIsNeverReduced", {1920, 1080}, 1.0, true, {1920, 1080}},
-    {"atLeastOnePixel", {0.2, 0.2}, 1.0, false, {1, 1}},
-    {"threefoldReduced", {1512, 982}, 3.0, true, {2268, 1473}},
-    {"fractionalNative", {1366 / 1.5, 768 / 1.5}, 1.5, false, {1366, 768}},
-    {"halvesRoundUp", {1365 / 1.5, 768 / 1.5}, 1.5, true, {683, 384}},
-};
-
-/// A store that keeps nothing: every preference has its default.
-class EmptyDefaults : public UserDefaults {
-public:
-    std::optional<double> number(const QString&) const override { return std::nullopt; }
-    std::optional<bool> boolean(const QString&) const override { return std::nullopt; }
-    std::optional<QString> string(const QString&) const override { return std::nullopt; }
-    std::optional<QByteArray> data(const QString&) const override { return std::nullopt; }
-    bool has(const QString&) const override { return false; }
-    void setNumber(const QString&, double) override {}
-    void setBoolean(const QString&, bool) override {}
-    void setString(const QString&, const QString&) override {}
-    void setData(const QString&, const QByteArray&) override {}
-    void remove(const QString&) override {}
-};
 
 /// Displays whose pictures have the asked-for size, unless told to misbehave.
 class FakeCapturer : public ScreenCapturer {
@@ -116,7 +85,21 @@ protected:
 } // namespace
 
 TEST(CapturePixelSize, FollowsScaleAndReduction) {
-    for (const PixelSizeCase& row : pixelSizeCases)
+    struct PixelSizeCase {
+        const char* name;
+        Size point;
+        double scale;
+        bool downscale;
+        PixelSize expected;
+    };
+    const PixelSizeCase cases[] = {
+        {"plainIsNeverReduced", {1920, 1080}, 1.0, true, {1920, 1080}},
+        {"atLeastOnePixel", {0.2, 0.2}, 1.0, false, {1, 1}},
+        {"threefoldReduced", {1512, 982}, 3.0, true, {2268, 1473}},
+        {"fractionalNative", {1366 / 1.5, 768 / 1.5}, 1.5, false, {1366, 768}},
+        {"halvesRoundUp", {1365 / 1.5, 768 / 1.5}, 1.5, true, {683, 384}},
+    };
+    for (const PixelSizeCase& row : cases)
         EXPECT_EQ(capturePixelSize(row.point, row.scale, row.downscale), row.expected) << row.name;
 }
 

@@ -1,9 +1,6 @@
 #include "Output/ImageEncoder.h"
 
 #include <QColorSpace>
-#include <QFile>
-#include <QProcess>
-#include <QTemporaryDir>
 #include <QtEndian>
 
 #include <gtest/gtest.h>
@@ -62,21 +59,6 @@ QByteArray readWithLibpng(const QByteArray& file) {
     return pixels;
 }
 
-QByteArray runImageMagick(const QStringList& arguments, const QString& program = QStringLiteral("convert")) {
-    QProcess process;
-    process.start(program, arguments);
-    EXPECT_TRUE(process.waitForFinished(60000)) << qPrintable(process.errorString());
-    EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().constData();
-    return process.readAllStandardOutput();
-}
-
-QString written(const QTemporaryDir& folder, const QString& name, const QByteArray& bytes) {
-    QFile file(folder.filePath(name));
-    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-    return file.fileName();
-}
-
 quint8 colourType(const QByteArray& png) {
     return static_cast<quint8>(png.at(25));
 }
@@ -101,37 +83,19 @@ const PictureCase pictureCases[] = {
     {"palette", [](int w, int h) { return noise(w, h, QImage::Format_Indexed8); }, rgba},
 };
 
-class PNGPictures : public testing::TestWithParam<PictureCase> {};
-
 } // namespace
 
-TEST_P(PNGPictures, ReadBackByAnotherLibraryPixelByPixel) {
-    for (int width = 1; width <= 17; ++width) {
-        const QImage image = GetParam().make(width, 5);
-        const auto file = ImageEncoder::encode(ScreenshotSaveFormat::png, image);
-        ASSERT_TRUE(file) << qPrintable(file.error().description);
-        EXPECT_EQ(readWithLibpng(*file), tightRGBA(image)) << "width " << width;
-        if (width > 8) {
-            EXPECT_EQ(colourType(*file), GetParam().colourType) << "width " << width;
+TEST(PNGEncoder, PicturesAreReadBackByAnotherLibraryPixelByPixel) {
+    for (const PictureCase& row : pictureCases) {
+        for (int width = 1; width <= 17; ++width) {
+            const QImage image = row.make(width, 5);
+            const auto file = ImageEncoder::encode(ScreenshotSaveFormat::png, image);
+            ASSERT_TRUE(file) << qPrintable(file.error().description);
+            EXPECT_EQ(readWithLibpng(*file), tightRGBA(image)) << row.name << " width " << width;
+            if (width > 8) {
+                EXPECT_EQ(colourType(*file), row.colourType) << row.name << " width " << width;
+            }
         }
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(All, PNGPictures, testing::ValuesIn(pictureCases),
-                         [](const auto& row) { return row.param.name; });
-
-TEST(PNGEncoder, AnotherProgramSeesTheSamePixelsAndNoDamage) {
-    const QTemporaryDir folder;
-    for (const QImage& image : {capture(301, 203), noise(97, 55, QImage::Format_ARGB32)}) {
-        const auto file = ImageEncoder::encode(ScreenshotSaveFormat::png, image);
-        ASSERT_TRUE(file);
-        const QString path = written(folder, QStringLiteral("picture.png"), *file);
-        EXPECT_EQ(
-            runImageMagick({path, QStringLiteral("-depth"), QStringLiteral("8"), QStringLiteral("rgba:-")}),
-            tightRGBA(image));
-        const QByteArray colours = runImageMagick(
-            {QStringLiteral("-format"), QStringLiteral("%[colorspace]"), path}, QStringLiteral("identify"));
-        EXPECT_EQ(colours.trimmed(), "sRGB");
     }
 }
 
@@ -161,70 +125,48 @@ TEST(PNGEncoder, EveryChunkIsCompleteAndInOrder) {
 }
 
 TEST(PNGEncoder, AnotherColourSpaceIsConverted) {
-    QImage wide(3, 1, QImage::Format_RGB32);
+    QImage wide(2, 1, QImage::Format_RGB32);
     wide.setPixel(0, 0, qRgb(200, 40, 10));
-    wide.setPixel(1, 0, qRgb(0, 255, 0));
-    wide.setPixel(2, 0, qRgb(128, 128, 128));
+    wide.setPixel(1, 0, qRgb(128, 128, 128));
     wide.setColorSpace(QColorSpace(QColorSpace::DisplayP3));
     const auto file = ImageEncoder::encode(ScreenshotSaveFormat::png, wide);
     ASSERT_TRUE(file);
     const QByteArray pixels = readWithLibpng(*file);
-    ASSERT_EQ(pixels.size(), 12);
+    ASSERT_EQ(pixels.size(), 8);
     // A Display P3 red is further out than sRGB's: it becomes stronger, and grey stays grey.
     EXPECT_GT(static_cast<uchar>(pixels[0]), 210);
-    EXPECT_LT(static_cast<uchar>(pixels[5]), 256);
-    EXPECT_NEAR(static_cast<uchar>(pixels[8]), 128, 1);
-    EXPECT_NEAR(static_cast<uchar>(pixels[10]), 128, 1);
+    EXPECT_NEAR(static_cast<uchar>(pixels[4]), 128, 1);
+    EXPECT_NEAR(static_cast<uchar>(pixels[6]), 128, 1);
 }
 
-TEST(JPEGEncoder, TransparentBecomesWhite) {
-    QImage image(16, 16, QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::transparent);
-    image.setDevicePixelRatio(2);
-    const auto file = ImageEncoder::encode(ScreenshotSaveFormat::jpg, image);
-    ASSERT_TRUE(file);
-    const QImage read = QImage::fromData(*file, "JPG");
-    ASSERT_EQ(read.size(), QSize(16, 16));
-    for (const QPoint point : {QPoint(0, 0), QPoint(15, 15), QPoint(8, 3)})
-        EXPECT_EQ(read.pixel(point), qRgb(255, 255, 255));
-}
-
-TEST(JPEGEncoder, KeepsColoursCloseWhateverTheFormat) {
-    struct Case {
-        const char* name;
-        QImage image;
-    };
-    QImage colour(64, 48, QImage::Format_RGB32);
+TEST(JPEGEncoder, KeepsColoursCloseInFullResolutionAndMakesTransparentWhite) {
+    QImage image(64, 48, QImage::Format_ARGB32);
     for (int y = 0; y < 48; ++y)
         for (int x = 0; x < 64; ++x)
-            reinterpret_cast<QRgb*>(colour.scanLine(y))[x] = qRgb(4 * x, 5 * y, 2 * (x + y)) & 0x00ffffffU;
-    for (const Case& row :
-         {Case{"capture", colour}, Case{"grey", colour.convertToFormat(QImage::Format_Grayscale8)},
-          Case{"cutOut",
-               QImage(colour.constScanLine(3) + 20, 33, 40, colour.bytesPerLine(), QImage::Format_RGB32)}}) {
-        const auto file = ImageEncoder::encode(ScreenshotSaveFormat::jpg, row.image);
-        ASSERT_TRUE(file) << row.name;
+            image.setPixel(x, y, qRgba(4 * x, 5 * y, 2 * (x + y), x < 56 ? 255 : 0));
+    const QImage opaque = image.convertToFormat(QImage::Format_RGB32);
+    const QImage part(opaque.constScanLine(3) + 20, 33, 40, opaque.bytesPerLine(), QImage::Format_RGB32);
+    for (const QImage& row : {image, part, opaque.convertToFormat(QImage::Format_Grayscale8)}) {
+        const auto file = ImageEncoder::encode(ScreenshotSaveFormat::jpg, row);
+        ASSERT_TRUE(file);
+        // The coarsest step of the standard's table is 121, of which 95 percent quality takes a tenth.
+        const QByteArray steps = file->mid(file->indexOf(QByteArrayLiteral("\xff\xdb")) + 5, 64);
+        EXPECT_EQ(*std::ranges::max_element(steps), 12);
+        // The frame header: every component is sampled once per pixel.
+        const qsizetype frame = file->indexOf(QByteArrayLiteral("\xff\xc0"));
+        ASSERT_GT(frame, 0);
+        for (int component = 0; component < file->at(frame + 9); ++component)
+            EXPECT_EQ(file->at(frame + 11 + 3 * component), 0x11);
         const QImage read = QImage::fromData(*file, "JPG").convertToFormat(QImage::Format_RGB32);
-        const QImage expected = row.image.convertToFormat(QImage::Format_RGB32);
-        ASSERT_EQ(read.size(), expected.size()) << row.name;
+        ASSERT_EQ(read.size(), row.size());
         for (int y = 0; y < read.height(); ++y) {
             for (int x = 0; x < read.width(); ++x) {
-                EXPECT_NEAR(qRed(read.pixel(x, y)), qRed(expected.pixel(x, y)), 6) << row.name;
-                EXPECT_NEAR(qBlue(read.pixel(x, y)), qBlue(expected.pixel(x, y)), 8) << row.name;
+                const QRgb given = qAlpha(row.pixel(x, y)) == 0 ? qRgb(255, 255, 255) : row.pixel(x, y);
+                EXPECT_NEAR(qRed(read.pixel(x, y)), qRed(given), 6) << x << ' ' << y;
+                EXPECT_NEAR(qBlue(read.pixel(x, y)), qBlue(given), 8) << x << ' ' << y;
             }
         }
     }
-}
-
-TEST(JPEGEncoder, NinetyFivePercentWithFullColourResolution) {
-    const QTemporaryDir folder;
-    const auto file = ImageEncoder::encode(ScreenshotSaveFormat::jpg, capture(50, 40));
-    ASSERT_TRUE(file);
-    const QString path = written(folder, QStringLiteral("picture.jpg"), *file);
-    const QByteArray facts =
-        runImageMagick({QStringLiteral("-format"), QStringLiteral("%Q %[jpeg:sampling-factor]"), path},
-                       QStringLiteral("identify"));
-    EXPECT_EQ(facts.trimmed(), "95 1x1,1x1,1x1");
 }
 
 TEST(ImageEncoder, WhatCannotBeEncodedIsAnError) {

@@ -65,11 +65,11 @@ protected:
     void press(Point p, int clicks = 1) { editor.gestures.press({.location = p, .clickCount = clicks}); }
     void drag(Point p) { editor.gestures.drag(p); }
     void release(Point p) { editor.gestures.release(p); }
-    void stroke(std::initializer_list<Point> points) {
-        press(*points.begin());
+    void stroke(const std::vector<Point>& points) {
+        press(points.front());
         for (const Point p : points)
             drag(p);
-        release(*(points.end() - 1));
+        release(points.back());
     }
     /// A selection from (50, 50) to (350, 250) that nothing else was done with yet.
     void select(const Rect& rect = {50, 50, 300, 200}) {

@@ -89,66 +89,52 @@ TEST(OverlayHitTestTests, theTopmostLayerWins) {
 
 using Shape = CanvasCursor::Shape;
 
-class CanvasCursorTests : public OverlayFixture {
-protected:
-    CanvasCursor at(Point p, bool overPanel = false) const {
-        return CanvasCursor::at(p, document, overPanel);
-    }
-    static CanvasCursor resizing(int handle) { return {.shape = Shape::resize, .handle = handle}; }
+constexpr CanvasCursor resizing(int handle) {
+    return {.shape = Shape::resize, .handle = handle};
+}
+
+struct CursorCase {
+    const char* name;
+    AnnotationTool tool;
+    std::optional<Point> held;
+    Point at;
+    CanvasCursor expected;
+};
+const CursorCase cursorCases[] = {
+    {"inside", AnnotationTool::select, {}, {200, 120}, {.shape = Shape::openHand}},
+    {"outside", AnnotationTool::select, {}, {380, 280}, {}},
+    {"edge", AnnotationTool::select, {}, {200, 250}, resizing(5)},
+    {"corner", AnnotationTool::select, {}, {50, 250}, resizing(6)},
+    {"layerCorner1", AnnotationTool::select, {}, {197, 104}, resizing(2)},
+    {"layerCorner3", AnnotationTool::select, {}, {103, 197}, resizing(6)},
+    {"brush", AnnotationTool::pen, {}, {200, 120}, {.shape = Shape::brush, .diameter = 3}},
+    {"shape", AnnotationTool::rectangle, {}, {200, 120}, {}},
+    {"text", AnnotationTool::text, {}, {200, 120}, {.shape = Shape::iBeam}},
+    {"noHandlesForATool", AnnotationTool::text, {}, {50, 250}, {}},
+    {"moving", AnnotationTool::select, {{300, 150}}, {0, 0}, {.shape = Shape::closedHand}},
+    {"resizing", AnnotationTool::select, {{50, 250}}, {200, 150}, resizing(6)},
+    {"layerResizing", AnnotationTool::select, {{200, 200}}, {150, 150}, resizing(4)},
+    {"selecting", AnnotationTool::select, {{10, 10}}, {200, 150}, {}},
 };
 
-TEST_F(CanvasCursorTests, followsTheSelection) {
-    EXPECT_EQ(at({100, 100}), CanvasCursor{}) << "nothing selected";
-    select();
-    EXPECT_EQ(at({200, 150}), CanvasCursor{.shape = Shape::openHand});
-    EXPECT_EQ(at({200, 250}), resizing(5));
-    EXPECT_EQ(at({50, 250}), resizing(6));
-    EXPECT_EQ(at({355, 120}), resizing(3));
-    EXPECT_EQ(at({380, 280}), CanvasCursor{});
-    EXPECT_EQ(at({200, 150}, true), CanvasCursor{.shape = Shape::arrow});
-    addSelected(AnnotationTool::rectangle, {{100, 100}, {200, 200}});
-    EXPECT_EQ(at({197, 104}), resizing(2)) << "corner 1 is handle 2 of a selection";
-    EXPECT_EQ(at({103, 197}), resizing(6));
-    addSelected(AnnotationTool::arrow, {{220, 100}, {300, 200}});
-    EXPECT_EQ(at({300, 200}), CanvasCursor{});
-}
+class CanvasCursorTests : public OverlayFixture {};
 
-TEST_F(CanvasCursorTests, followsTheTool) {
-    select();
-    struct ToolCase {
-        AnnotationTool tool;
-        int size;
-        CanvasCursor expected;
-    };
-    const ToolCase cases[] = {
-        {AnnotationTool::pen, 9, {.shape = Shape::brush, .diameter = 9}},
-        {AnnotationTool::pen, 10, {.shape = Shape::brush, .diameter = 10}},
-        {AnnotationTool::blur, 24, {.shape = Shape::brush, .diameter = 24}},
-        {AnnotationTool::rectangle, 50, {}},
-        {AnnotationTool::text, 24, {.shape = Shape::iBeam}},
-    };
-    for (const ToolCase& row : cases) {
+TEST_F(CanvasCursorTests, followsTheToolTheGestureAndThePlace) {
+    EXPECT_EQ(CanvasCursor::at({100, 100}, document, false), CanvasCursor{}) << "nothing selected";
+    for (const CursorCase& row : cursorCases) {
+        document.state = {};
+        select();
+        addSelected(AnnotationTool::rectangle, {{100, 100}, {200, 200}});
         document.tool = row.tool;
-        document.toolSizes[row.tool] = row.size;
-        EXPECT_EQ(at({200, 150}), row.expected) << static_cast<int>(row.tool);
-        EXPECT_EQ(at({50, 250}), row.tool == AnnotationTool::select ? resizing(6) : CanvasCursor{});
+        if (row.held)
+            press(*row.held);
+        EXPECT_EQ(CanvasCursor::at(row.at, document, false), row.expected) << row.name;
+        EXPECT_EQ(CanvasCursor::at(row.at, document, true),
+                  row.held ? row.expected : CanvasCursor{.shape = Shape::arrow})
+            << row.name;
+        if (row.held)
+            release(*row.held);
     }
-}
-
-TEST_F(CanvasCursorTests, followsTheGesture) {
-    select();
-    press({200, 150});
-    EXPECT_EQ(at({0, 0}, true), CanvasCursor{.shape = Shape::closedHand}) << "over a panel too";
-    release({200, 150});
-    press({50, 250});
-    EXPECT_EQ(at({200, 150}), resizing(6));
-    release({50, 250});
-    addSelected(AnnotationTool::rectangle, {{100, 100}, {200, 200}});
-    press({200, 200});
-    EXPECT_EQ(at({150, 150}), resizing(4));
-    release({200, 200});
-    press({10, 10});
-    EXPECT_EQ(at({200, 150}), CanvasCursor{});
 }
 
 } // namespace

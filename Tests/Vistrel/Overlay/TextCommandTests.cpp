@@ -18,89 +18,74 @@ protected:
         release(p);
         ASSERT_TRUE(typed);
     }
-    EditorAnnotation& addText() {
-        EditorAnnotation& layer = add(AnnotationTool::text, {{100, 100}, {150, 124}}, 24);
-        layer.text = QStringLiteral("hello");
-        return layer;
+    /// Opens a text layer that a line lies upon; the state from before.
+    EditorState edit() {
+        add(AnnotationTool::text, {{100, 100}, {150, 124}}, 24).text = QStringLiteral("hello");
+        add(AnnotationTool::line, {{60, 60}, {70, 70}});
+        const EditorState before = document.state;
+        document.tool = AnnotationTool::select;
+        press({120, 110}, 2);
+        release({120, 110});
+        EXPECT_TRUE(typed);
+        EXPECT_EQ(document.visibleLayers().size(), 1U) << "its editor shows it";
+        return before;
     }
 };
 
-TEST_F(TextCommandTests, beginsUnderTheWholeSelection) {
+TEST_F(TextCommandTests, beginsUnderTheWholeSelectionAndNearTheTopAtTheTop) {
     begin({200, 150});
     EXPECT_EQ(typed->setup.fontSize, 24);
     EXPECT_EQ(typed->setup.anchor, (Point{200, 162})) << "the first line is centred on the press";
     EXPECT_EQ(typed->setup.availableSize, (Size{150, 112}));
     EXPECT_EQ(typed->timesFocused, 1);
-    EXPECT_EQ(selections, 1);
-    EXPECT_EQ(document.styleTool(), AnnotationTool::text);
-    EXPECT_THAT(actions, ElementsAre(Action::textEditingStarted));
-}
-
-TEST_F(TextCommandTests, nearTheTopItStartsAtTheTop) {
     begin({200, 245});
     EXPECT_EQ(typed->setup.anchor, (Point{200, 250}));
+    EXPECT_THAT(layers(), IsEmpty()) << "blank text adds nothing";
+    EXPECT_EQ(undoSteps(), 0U);
 }
 
 TEST_F(TextCommandTests, commitMakesALayerOfTheTextAsTyped) {
     begin({200, 150});
+    editor.layers.stepSize(7);
+    editor.layers.setDrawingColor(Qt::green);
+    EXPECT_EQ(typed->timesFocused, 2) << "the keyboard goes back to the text";
     typed->setup.text = QStringLiteral(" a\nb\n");
     press({10, 10});
     EXPECT_FALSE(typed);
     ASSERT_EQ(layers().size(), 1U);
     EXPECT_EQ(layers().front().text, QStringLiteral(" a\nb\n"));
-    EXPECT_EQ(layers().front().points, (std::vector<Point>{{200, 138}, {250, 162}}));
-    EXPECT_EQ(layers().front().size, 24);
+    EXPECT_EQ(layers().front().points, (std::vector<Point>{{200, 131}, {250, 162}}));
+    EXPECT_EQ(layers().front().size, 31);
     EXPECT_EQ(document.state.selectedID, layers().front().id);
-    EXPECT_THAT(actions, ElementsAre(Action::textEditingStarted, Action::textCommitted));
     EXPECT_EQ(undoSteps(), 1U);
-}
-
-TEST_F(TextCommandTests, blankTextAddsNothing) {
-    begin({200, 150});
-    typed->setup.text = QStringLiteral(" \n\t");
-    editor.text.commit();
-    EXPECT_THAT(layers(), IsEmpty());
-    EXPECT_EQ(undoSteps(), 0U);
-}
-
-TEST_F(TextCommandTests, emptyingATextDeletesItsLayer) {
-    const EditorState before = [this] {
-        addText();
-        return document.state;
-    }();
-    document.tool = AnnotationTool::select;
-    press({120, 110}, 2);
-    ASSERT_TRUE(typed);
-    typed->setup.text.clear();
-    press({10, 10});
-    release({10, 10});
-    EXPECT_THAT(layers(), IsEmpty());
-    EXPECT_FALSE(document.state.selectedID);
-    editor.layers.undo();
-    EXPECT_EQ(layers(), before.annotations);
+    // The tool keeps its style for the next text.
+    EXPECT_EQ(document.drawingSize(), 31);
+    EXPECT_EQ(document.drawingColor(), QColor(Qt::green));
 }
 
 TEST_F(TextCommandTests, editingReplacesTheLayerInPlace) {
-    const QUuid id = addText().id;
-    add(AnnotationTool::line, {{60, 60}, {70, 70}});
-    document.tool = AnnotationTool::select;
-    press({120, 110}, 2);
-    ASSERT_TRUE(typed);
-    EXPECT_EQ(document.visibleLayers().size(), 1U) << "its editor shows it";
+    const EditorState before = edit();
+    EXPECT_EQ(typed->setup.anchor, (Point{100, 124}));
     typed->setup.text = QStringLiteral("bye");
     editor.text.commit();
-    EXPECT_EQ(layers()[0].id, id);
+    EXPECT_EQ(layers()[0].id, before.annotations[0].id);
     EXPECT_EQ(layers()[0].text, QStringLiteral("bye"));
     EXPECT_EQ(layers()[0].points, (std::vector<Point>{{100, 100}, {130, 124}}));
     EXPECT_EQ(undoSteps(), 1U);
 }
 
+TEST_F(TextCommandTests, emptyingATextDeletesItsLayer) {
+    const EditorState before = edit();
+    typed->setup.text = QStringLiteral(" \n\t");
+    editor.text.commit();
+    EXPECT_THAT(layers(), ElementsAre(before.annotations[1]));
+    EXPECT_FALSE(document.state.selectedID);
+    editor.layers.undo();
+    EXPECT_EQ(layers(), before.annotations);
+}
+
 TEST_F(TextCommandTests, styleChangesStayInTheEditorUntilCommit) {
-    addText();
-    const EditorState before = document.state;
-    document.tool = AnnotationTool::select;
-    press({120, 110}, 2);
-    ASSERT_TRUE(typed);
+    const EditorState before = edit();
     editor.layers.setDrawingSize(30);
     editor.layers.setDrawingColor(Qt::blue);
     EXPECT_EQ(typed->setup.fontSize, 30);
@@ -116,16 +101,6 @@ TEST_F(TextCommandTests, styleChangesStayInTheEditorUntilCommit) {
     EXPECT_EQ(actions.back(), Action::textCancelled);
     EXPECT_TRUE(key(Key::escape));
     EXPECT_EQ(closed, 1);
-}
-
-TEST_F(TextCommandTests, theTextToolRemembersItsStyle) {
-    begin({200, 150});
-    editor.layers.setDrawingSize(31);
-    editor.layers.setDrawingColor(Qt::green);
-    EXPECT_EQ(document.toolSizes[AnnotationTool::text], 31);
-    EXPECT_EQ(document.toolColors[AnnotationTool::text], QColor(Qt::green));
-    editor.layers.stepSize(1);
-    EXPECT_EQ(typed->timesFocused, 2) << "the keyboard goes back to the text";
 }
 
 TEST_F(TextCommandTests, everyCommandCommitsFirst) {

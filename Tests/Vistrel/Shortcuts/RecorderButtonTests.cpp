@@ -105,24 +105,6 @@ TEST_F(RecorderButtonTest, RecordsWhatWasPressed) {
     }
 }
 
-TEST_F(RecorderButtonTest, TheKeyboardLayoutNamesTheKey) {
-    ShortcutRecorder recorder;
-    recorder.onChange = [this](const ScreenshotShortcut& shortcut) { recorded.push_back(shortcut); };
-    recorder.unmodifiedText = [](KeyCode key) { return key == 25 ? QStringLiteral("ç") : QString(); };
-    recorder.update(*button);
-    button->click();
-    press(Qt::Key_9, scan9, Qt::MetaModifier | Qt::ShiftModifier);
-    EXPECT_EQ(recorded.at(0).keyLabel, QStringLiteral("Ç"));
-}
-
-TEST_F(RecorderButtonTest, EscapeEndsWithoutAShortcut) {
-    button->click();
-    press(Qt::Key_Escape, scanEscape, Qt::MetaModifier);
-    EXPECT_FALSE(button->recording());
-    EXPECT_EQ(button->text(), idle);
-    EXPECT_TRUE(recorded.empty());
-}
-
 TEST_F(RecorderButtonTest, WhileRecordingNoShortcutOfThePageGetsTheKey) {
     QKeyEvent before(QEvent::ShortcutOverride, Qt::Key_Comma, Qt::MetaModifier, scanComma, 0, 0);
     before.ignore();

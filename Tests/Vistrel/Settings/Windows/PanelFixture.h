@@ -8,28 +8,16 @@
 #include "Settings/Windows/SetupWindow.h"
 
 #include <QApplication>
-#include <QFutureInterface>
 #include <QPushButton>
 #include <QTest>
 
 /// Settings and setup windows on a controller whose presentation they are, as in the program.
 class PanelFixture : public AppControllerFixture {
 public:
+    /// Never answers.
     class Sender : public ReportSending {
     public:
-        QFuture<Result<void>> send(const QByteArray&, const QUuid& reportID) override {
-            ids.push_back(reportID);
-            pending = QFutureInterface<Result<void>>();
-            pending.reportStarted();
-            return pending.future();
-        }
-        void answer(const Result<void>& result) {
-            pending.reportResult(result);
-            pending.reportFinished();
-        }
-
-        std::vector<QUuid> ids;
-        QFutureInterface<Result<void>> pending;
+        QFuture<Result<void>> send(const QByteArray&, const QUuid&) override { return {}; }
     };
 
     /// Joins windows and controller.
@@ -76,12 +64,6 @@ public:
         for (int round = 0; round < 3; ++round)
             QApplication::processEvents();
     }
-    static bool says(const QWidget& root, const QString& text) {
-        const QList<QLabel*> labels = root.findChildren<QLabel*>();
-        return std::any_of(labels.begin(), labels.end(),
-                           [&text](const QLabel* label) { return label->text() == text; });
-    }
-
     Sender sender;
     std::unique_ptr<PanelSources> sources;
     std::unique_ptr<SettingsWindow> settings;
