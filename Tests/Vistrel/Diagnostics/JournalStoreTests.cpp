@@ -33,53 +33,35 @@ TEST_F(JournalStoreTests, aFullFileBecomesThePreviousOne) {
     EXPECT_FALSE(snapshot(*journal).writeFailed);
 }
 
-TEST_F(JournalStoreTests, aLineThatNeverFitsIsDroppedSilently) {
-    auto journal = makeJournal(20);
-    journal->record(Action::undo);
-    EXPECT_FALSE(snapshot(*journal).writeFailed);
-    EXPECT_FALSE(QFile::exists(current));
-}
-
-struct LineCase {
-    const char* name;
-    QByteArray bytes;
-    bool kept;
-};
-
 TEST_F(JournalStoreTests, onlyLinesOfOursWithinAWeekAreReadAndKept) {
     const QByteArray good = "2026-03-01T11:00:00Z";
+    struct LineCase {
+        const char* name;
+        QByteArray bytes;
+        bool kept;
+    };
     const LineCase rows[] = {
         {"good", line(good), true},
         {"exactlyAWeekOld", line("2026-02-22T12:00:01Z"), true},
         {"aWeekAndASecondOld", line("2026-02-22T11:59:59Z"), false},
-        {"aMinuteAhead", line("2026-03-01T12:01:00Z"), true},
         {"twoMinutesAhead", line("2026-03-01T12:02:00Z"), false},
-        {"development", line(good, "development"), true},
         {"fourNumbers", line(good, "1.2.3.4"), true},
         {"fiveNumbers", line(good, "1.2.3.4.5"), false},
-        {"letters", line(good, "2.0b"), false},
-        {"longVersion", line(good, "1." + QByteArray(29, '0')), false},
         {"longestVersion", line(good, "1." + QByteArray(28, '0')), true},
         {"details", line(good, "1.0", R"({"durationMS":1.5,"source":"hotkey","tool":3.0})"), true},
-        {"nullIsAbsent", line(good, "1.0", R"({"tool":null})"), true},
         {"unknownKeyIsIgnored", line(good, "1.0", R"({"later":"x"})"), true},
         {"fractionForInteger", line(good, "1.0", R"({"tool":3.5})"), false},
         {"integerTooLarge", line(good, "1.0", R"({"tool":99999999999})"), false},
         {"textForInteger", line(good, "1.0", R"({"tool":"3"})"), false},
-        {"unknownPhase", line(good, "1.0", R"({"phase":"lunch"})"), false},
         {"numberForSource", line(good, "1.0", R"({"source":1})"), false},
         {"detailsMissing", line(good).replace("\"details\":{},", ""), false},
-        {"detailsAList", line(good, "1.0", "[]"), false},
         {"unknownAction", line(good, "1.0", "{}", "screenshot"), false},
         {"dateWithoutZone", line("2026-03-01T11:00:00"), false},
         {"dateThatNeverWas", line("2026-02-30T11:00:00Z"), false},
-        {"dateAsNumber", line(good).replace("\"" + good + "\"", "772111222"), false},
         {"launchNoIdentifier", line(good).replace("0E984725", "0E98472"), false},
-        {"versionNoText", line(good).replace("\"1.4.2\"", "1.4"), false},
         {"cutOff", line(good).left(60) + '\n', false},
         {"notUTF8", line(good, "\xff\xfe"), false},
         {"list", "[1,2]\n", false},
-        {"text", "hello\n", false},
         {"nested", QByteArray(5000, '[') + '\n', false},
         {"zeroes", QByteArray(300, '\0') + '\n', false},
     };
@@ -104,12 +86,6 @@ TEST_F(JournalStoreTests, anHourThatTheLocalClockSkipsIsReadAsItStands) {
     EXPECT_EQ(actions(*makeJournal()).size(), 2U);
 }
 
-TEST_F(JournalStoreTests, thePreviousFileIsReadFirst) {
-    write(previous, line("2026-03-01T11:00:00Z", "1.0", "{}", "undo"));
-    write(current, line("2026-03-01T10:00:00Z", "1.0", "{}", "redo"));
-    EXPECT_EQ(actions(*makeJournal()), (Actions{Action::undo, Action::redo}));
-}
-
 TEST_F(JournalStoreTests, pruningHappensAtFirstAndThenOnceADay) {
     auto journal = makeJournal();
     journal->record(Action::undo);
@@ -129,30 +105,17 @@ TEST_F(JournalStoreTests, pruningHappensAtFirstAndThenOnceADay) {
     EXPECT_EQ(content(current), QByteArray());
 }
 
-TEST_F(JournalStoreTests, aJournalOfTenMebibytesIsRemovedNotRead) {
-    QByteArray garbage(10 << 20, 'x');
-    for (const QString& path : {current, previous})
-        write(path, garbage);
-    auto journal = makeJournal();
-    journal->start();
-    EXPECT_EQ(actions(*journal), Actions{Action::launch});
-    EXPECT_FALSE(QFile::exists(previous));
-    EXPECT_FALSE(snapshot(*journal).writeFailed);
-}
-
-struct MarkerCase {
-    const char* name;
-    QByteArray bytes;
-    bool unfinished;
-};
-
 TEST_F(JournalStoreTests, aMarkerTellsOfAnUnfinishedLaunchForAWeek) {
     // The clock stands at 794059200.25 seconds after the beginning of 2001.
     const auto marked = [](const QByteArray& date) {
         return R"({"launch":"0E984725-C51C-4BF4-9960-E1C80E27ABA0","date":)" + date + "}";
     };
+    struct MarkerCase {
+        const char* name;
+        QByteArray bytes;
+        bool unfinished;
+    };
     const MarkerCase rows[] = {
-        {"none", QByteArray(), false},
         {"justNow", marked("794059200.25"), true},
         {"aWeekOld", marked("793454400.25"), true},
         {"older", marked("793454400.2"), false},
@@ -168,8 +131,7 @@ TEST_F(JournalStoreTests, aMarkerTellsOfAnUnfinishedLaunchForAWeek) {
     for (const MarkerCase& row : rows) {
         SCOPED_TRACE(row.name);
         QDir(folder).removeRecursively();
-        if (!row.bytes.isNull())
-            write(marker, row.bytes);
+        write(marker, row.bytes);
         auto journal = makeJournal();
         journal->start();
         EXPECT_EQ(actions(*journal), row.unfinished
@@ -177,19 +139,11 @@ TEST_F(JournalStoreTests, aMarkerTellsOfAnUnfinishedLaunchForAWeek) {
                                          : Actions{Action::launch});
         EXPECT_EQ(mode(marker), 0600U);
         EXPECT_TRUE(content(marker).contains("\"date\":794059200.25")) << content(marker).constData();
+        journal->start();
+        EXPECT_EQ(actions(*journal).back(), Action::launch) << "its own marker is no other launch";
+        journal->finish();
+        EXPECT_FALSE(QFile::exists(marker));
     }
-}
-
-TEST_F(JournalStoreTests, aCleanEndLeavesNothingToReport) {
-    auto first = makeJournal();
-    first->start();
-    first->finish();
-    EXPECT_FALSE(QFile::exists(marker));
-    auto second = makeJournal();
-    second->start();
-    second->start();
-    EXPECT_EQ(actions(*second), (Actions{Action::launch, Action::quit, Action::launch, Action::launch}))
-        << "its own marker is no other launch";
 }
 
 TEST_F(JournalStoreTests, aKilledLaunchKeepsItsLinesAndIsNoticed) {

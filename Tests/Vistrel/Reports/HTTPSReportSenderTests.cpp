@@ -85,35 +85,23 @@ TEST_F(HTTPSReportSenderTests, postsTheBytesAndTellsNothingElse) {
     }
 }
 
-struct AnswerCase {
-    const char* name;
-    Answer answer;
-    std::optional<ReportUploadError> expected;
-};
-
 TEST_F(HTTPSReportSenderTests, onlyAReceiptForThisReportIsDelivery) {
     using enum ReportUploadError;
+    struct AnswerCase {
+        const char* name;
+        Answer answer;
+        std::optional<ReportUploadError> expected;
+    };
     const AnswerCase rows[] = {
-        {"ok", respond(200, receipt()), std::nullopt},
         {"created", respond(201, receipt()), std::nullopt},
-        {"lowerCaseIdentifier", respond(200, receipt().toLower().replace("reportid", "reportID")),
-         std::nullopt},
         {"largestBody", respond(200, receipt().leftJustified(4096, ' ')), std::nullopt},
         {"oneByteMore", respond(200, receipt().leftJustified(4097, ' ')), unavailable},
-        {"megabytes", respond(200, receipt().leftJustified(8 << 20, ' ')), unavailable},
         {"anotherReport", respond(200, receipt(QUuid::createUuid())), unavailable},
         {"notAccepted", respond(200, receipt(reportID, "false")), unavailable},
         {"acceptedNoBoolean", respond(200, receipt(reportID, "1")), unavailable},
-        {"noReceipt", respond(200, "<html>Welcome</html>"), unavailable},
         {"empty", respond(200, ""), unavailable},
-        {"acceptedOnly", respond(202, receipt()), unavailable},
         {"noContent", respond(204, ""), unavailable},
-        {"redirect", respond(302, receipt(), "Location: /elsewhere\r\n"), unavailable},
         {"redirectThatKeepsTheMethod", respond(307, receipt(), "Location: /elsewhere\r\n"), unavailable},
-        {"badRequest", respond(400, receipt()), unavailable},
-        {"unauthorized", respond(401, receipt(), "WWW-Authenticate: Basic realm=\"x\"\r\n"), unavailable},
-        {"tooLargeForTheService", respond(413, ""), unavailable},
-        {"tooMany", respond(429, ""), rateLimited},
         {"tooManyWords", respond(429, QByteArray(100000, 'x')), rateLimited},
         {"serverError", respond(500, receipt()), unavailable},
         {"compressed", respond(200, receipt(), "Content-Encoding: gzip\r\n"), std::nullopt},
@@ -154,12 +142,11 @@ TEST_F(HTTPSReportSenderTests, silenceEndsTheUploadAndSoDoesTrickling) {
     const Answer stall = [](QTcpSocket& socket, const auto&) {
         socket.write("HTTP/1.1 200 OK\r\nContent-Length: 200\r\n\r\n{\"accepted\"");
     };
-    server.answer = stall;
-    HTTPSReportSender stalled(url, impatient);
-    EXPECT_EQ(outcome(stalled.send(report, reportID)), ReportUploadError::unavailable);
-    server.answer = nullptr;
-    HTTPSReportSender silent(url, impatient);
-    EXPECT_EQ(outcome(silent.send(report, reportID)), ReportUploadError::unavailable);
+    for (const Answer& silence : {stall, Answer()}) {
+        server.answer = silence;
+        HTTPSReportSender waiting(url, impatient);
+        EXPECT_EQ(outcome(waiting.send(report, reportID)), ReportUploadError::unavailable);
+    }
 
     // Never silent for long, never done.
     HTTPSReportSender::Configuration bounded = configuration();
@@ -240,8 +227,7 @@ TEST_F(HTTPSReportSenderTests, aSenderThatGoesEndsItsUploads) {
 
 TEST(ReportEndpointTests, theInstalledProgramNamesTheService) {
     const std::pair<const char*, const char*> rows[] = {
-        {"https://reports.example.invalid", "https://reports.example.invalid/v1/reports"},
-        {"https://reports.example.invalid/", "https://reports.example.invalid/v1/reports"},
+        {"https://example.invalid/", "https://example.invalid/v1/reports"},
         {"https://example.invalid/x/v1/reports", "https://example.invalid/x/v1/reports"},
         {"", ""},
     };

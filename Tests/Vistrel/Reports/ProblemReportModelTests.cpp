@@ -11,13 +11,9 @@
 #include <QJsonObject>
 #include <QPromise>
 #include <QRegularExpression>
-#include <QSet>
-#include <QSignalSpy>
 #include <QSysInfo>
 #include <QTemporaryDir>
-#include <QTimeZone>
 
-#include <cmath>
 #include <deque>
 #include <gtest/gtest.h>
 
@@ -89,61 +85,52 @@ TEST_F(ProblemReportModelTests, theDocumentIsCompactSortedAndComplete) {
     details.tool = 9;
     journal.record(Action::undo, details);
     journal.record(Action::copyRequested);
-    journal.record(Action::undo);
     preferences.setScalePercent(99.9);
     preferences.setSaveFormat(ScreenshotSaveFormat::jpg);
     model.setMessage(QStringLiteral("It’s \"broken\"\n"));
     press(1);
-    const QByteArray bytes = sender.uploads.back().data;
-    const QJsonObject object = document();
-    EXPECT_EQ(QJsonDocument(object).toJson(QJsonDocument::Compact), bytes);
-    EXPECT_EQ(object.keys(), (QStringList{QStringLiteral("comment"), QStringLiteral("counts"),
-                                          QStringLiteral("createdAt"), QStringLiteral("environment"),
-                                          QStringLiteral("events"), QStringLiteral("installationID"),
-                                          QStringLiteral("reportID"), QStringLiteral("schema")}));
-    EXPECT_TRUE(bytes.startsWith(
-        "{\"comment\":\"It’s \\\"broken\\\"\\n\",\"counts\":{\"copyRequested\":1,\"undo\":2},"
-        "\"createdAt\":\"2"))
-        << bytes.constData();
-    EXPECT_TRUE(bytes.contains(
-        R"("environment":{"architecture":"x86_64","displayCount":2,"hardwareModel":"20XW0055GE",)"
-        R"("journalEnabled":true,"journalWriteFailed":false,"macOS":"12.0.0","panelPercent":99,)"
-        R"("reduceRetina":true,"saveFormat":"jpg","screenAccess":true,"translated":false,"version":"1.4.2"})"))
-        << bytes.constData();
-    EXPECT_EQ(object.value(QStringLiteral("schema")).toInt(), 2);
-    EXPECT_EQ(object.value(QStringLiteral("reportID")).toString(),
-              UuidText::upperCase(sender.uploads.back().id));
-    EXPECT_EQ(object.value(QStringLiteral("installationID")).toString(),
-              defaults.string(QStringLiteral("diagnosticReportInstallationID")));
-    EXPECT_TRUE(QRegularExpression(QStringLiteral("^\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\dZ$"))
-                    .match(object.value(QStringLiteral("createdAt")).toString())
-                    .hasMatch());
-    const QJsonArray events = object.value(QStringLiteral("events")).toArray();
-    ASSERT_EQ(events.size(), 3);
-    EXPECT_EQ(events.at(0).toObject().value(QStringLiteral("details")).toObject(),
-              (QJsonObject{{QStringLiteral("tool"), 9}}));
+    QString bytes = QString::fromUtf8(sender.uploads.back().data);
+    // What differs every time is told by its form.
+    bytes.replace(QRegularExpression(QStringLiteral(R"("\d{4}-\d\d-\d\dT\d\d:\d\d:\d\dZ")")),
+                  QStringLiteral("date"));
+    bytes.replace(UuidText::upperCase(sender.uploads.back().id), QStringLiteral("this report"));
+    bytes.replace(*defaults.string(QStringLiteral("diagnosticReportInstallationID")),
+                  QStringLiteral("this installation"));
+    bytes.replace(QRegularExpression(QStringLiteral(R"("[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}")")),
+                  QStringLiteral("launch"));
+    EXPECT_EQ(bytes.toStdString(),
+              R"({"comment":"It’s \"broken\"\n","counts":{"copyRequested":1,"undo":1},"createdAt":date,)"
+              R"("environment":{"architecture":"x86_64","displayCount":2,"hardwareModel":"20XW0055GE",)"
+              R"("journalEnabled":true,"journalWriteFailed":false,"macOS":"12.0.0","panelPercent":99,)"
+              R"("reduceRetina":true,"saveFormat":"jpg","screenAccess":true,"translated":false,)"
+              R"("version":"1.4.2"},"events":[)"
+              R"({"action":"undo","date":date,"details":{"tool":9},"launch":launch,"version":"1.4.2"},)"
+              R"({"action":"copyRequested","date":date,"details":{},"launch":launch,"version":"1.4.2"}],)"
+              R"("installationID":"this installation","reportID":"this report","schema":2})");
 }
 
 TEST_F(ProblemReportModelTests, onePressOneUploadOneConfirmation) {
-    QSignalSpy sent(&model, &ProblemReportModel::sentReportIDChanged);
     model.send();
-    EXPECT_TRUE(model.working());
     EXPECT_EQ(model.status(), QStringLiteral("Sending…"));
     press(1);
     press(1);
     EXPECT_EQ(sender.uploads.size(), 1U);
+    fail(ReportUploadError::rateLimited);
+    EXPECT_EQ(model.status(), QStringLiteral("Too many reports. Please try again later."));
+    press(2);
+    answer(tl::unexpected(cancelledError()));
+    EXPECT_EQ(model.status(), QStringLiteral("Couldn’t confirm delivery. Please try again."));
+    press(3);
     answer({});
     EXPECT_EQ(model.sentReportID(), sender.uploads.back().id);
-    EXPECT_EQ(model.status(),
-              QStringLiteral("Report sent. ID: ") + UuidText::lowerCase(sender.uploads.back().id));
-    EXPECT_FALSE(model.working());
-    EXPECT_GE(sent.count(), 1);
-
+    const QString confirmation =
+        QStringLiteral("Report sent. ID: ") + UuidText::lowerCase(sender.uploads.back().id);
+    EXPECT_EQ(model.status(), confirmation);
     model.setMessage(QStringLiteral("afterwards"));
-    EXPECT_TRUE(model.status().startsWith(QStringLiteral("Report sent."))) << "the confirmation stays";
+    EXPECT_EQ(model.status(), confirmation);
     model.send();
     EXPECT_FALSE(model.working());
-    EXPECT_EQ(sender.uploads.size(), 1U);
+    EXPECT_EQ(sender.uploads.size(), 3U);
 }
 
 TEST_F(ProblemReportModelTests, aRetrySendsTheSameBytesAndAnEditANewReport) {
@@ -164,19 +151,6 @@ TEST_F(ProblemReportModelTests, aRetrySendsTheSameBytesAndAnEditANewReport) {
     press(3);
     EXPECT_NE(sender.uploads[2].id, sender.uploads[0].id);
     EXPECT_EQ(document().value(QStringLiteral("comment")).toString(), QStringLiteral("second"));
-    EXPECT_EQ(
-        document().value(QStringLiteral("installationID")),
-        QJsonDocument::fromJson(sender.uploads[0].data).object().value(QStringLiteral("installationID")));
-}
-
-TEST_F(ProblemReportModelTests, anEditDuringTheUploadIsSentAtTheNextAttempt) {
-    model.setMessage(QStringLiteral("before"));
-    press(1);
-    model.setMessage(QStringLiteral("meanwhile"));
-    fail(ReportUploadError::offline);
-    press(2);
-    EXPECT_EQ(document().value(QStringLiteral("comment")).toString(), QStringLiteral("meanwhile"));
-    EXPECT_NE(sender.uploads[1].id, sender.uploads[0].id);
 }
 
 TEST_F(ProblemReportModelTests, anEditBeforeTheJournalAnsweredIsSentAtTheNextAttempt) {
@@ -190,13 +164,14 @@ TEST_F(ProblemReportModelTests, anEditBeforeTheJournalAnsweredIsSentAtTheNextAtt
     EXPECT_EQ(document().value(QStringLiteral("comment")).toString(), QStringLiteral("meanwhile"));
 }
 
-TEST_F(ProblemReportModelTests, aFailureIsToldInItsWordsAndAStrangeOneInTheUsual) {
-    press(1);
-    fail(ReportUploadError::rateLimited);
-    EXPECT_EQ(model.status(), QStringLiteral("Too many reports. Please try again later."));
-    press(2);
-    answer(tl::unexpected(cancelledError()));
-    EXPECT_EQ(model.status(), QStringLiteral("Couldn’t confirm delivery. Please try again."));
+TEST_F(ProblemReportModelTests, aMalformedInstallationIdentifierIsReplacedOnce) {
+    const QString key = QStringLiteral("diagnosticReportInstallationID");
+    for (const char* malformed : {"", "no identifier", "{0e984725-c51c-4bf4-9960-e1c80e27aba0}"}) {
+        defaults.setString(key, QString::fromLatin1(malformed));
+        const QUuid made = ProblemReportModel::installationID(defaults);
+        EXPECT_EQ(ProblemReportModel::installationID(defaults), made);
+        EXPECT_EQ(defaults.string(key), UuidText::upperCase(made));
+    }
 }
 
 TEST_F(ProblemReportModelTests, theCommentIsCutAtFiveThousandScalars) {
@@ -207,20 +182,6 @@ TEST_F(ProblemReportModelTests, theCommentIsCutAtFiveThousandScalars) {
     EXPECT_EQ(ProblemReportModel::limitedComment(pair), pair);
     EXPECT_EQ(ProblemReportModel::limitedComment(QString(5000, u'y') + u'z'), QString(5000, u'y'));
     EXPECT_EQ(ProblemReportModel::limitedComment(QString(6000, QChar(0xD834))).size(), 5000);
-}
-
-TEST_F(ProblemReportModelTests, theInstallationIdentifierIsKeptOrMadeOnce) {
-    const QString key = QStringLiteral("diagnosticReportInstallationID");
-    const QString known = QStringLiteral("0e984725-c51c-4bf4-9960-e1c80e27aba0");
-    defaults.setString(key, known);
-    EXPECT_EQ(UuidText::lowerCase(ProblemReportModel::installationID(defaults)), known);
-    for (const char* malformed : {"", "no identifier", "{0e984725-c51c-4bf4-9960-e1c80e27aba0}"}) {
-        defaults.setString(key, QString::fromLatin1(malformed));
-        const QUuid made = ProblemReportModel::installationID(defaults);
-        EXPECT_NE(UuidText::lowerCase(made), known);
-        EXPECT_EQ(ProblemReportModel::installationID(defaults), made);
-        EXPECT_EQ(defaults.string(key), UuidText::upperCase(made));
-    }
 }
 
 TEST_F(ProblemReportModelTests, aTellingMachineNameIsLeftOut) {
@@ -252,19 +213,6 @@ TEST_F(ProblemReportModelTests, aLongJournalIsCutAndCounted) {
               (QJsonObject{{QStringLiteral("undo"), 2000}}));
 }
 
-TEST_F(ProblemReportModelTests, aJournalThatIsOffLeavesEventsOut) {
-    journal.record(Action::undo);
-    journal.setEnabled(false);
-    press(1);
-    EXPECT_TRUE(document().value(QStringLiteral("events")).toArray().isEmpty());
-    EXPECT_TRUE(document().value(QStringLiteral("counts")).toObject().isEmpty());
-    EXPECT_FALSE(document()
-                     .value(QStringLiteral("environment"))
-                     .toObject()
-                     .value(QStringLiteral("journalEnabled"))
-                     .toBool(true));
-}
-
 TEST_F(ProblemReportModelTests, aModelThatIsGoneIsNotCalled) {
     auto other = std::make_unique<ProblemReportModel>(ProblemReportModel::Services{.journal = journal,
                                                                                    .preferences = preferences,
@@ -289,19 +237,9 @@ TEST(ProblemReportTests, crashDataHasItsPlaceInTheDocument) {
                                                .faultingThread = 0,
                                                .frames = {{1, 4096}},
                                                .images = {{1, QUuid()}}};
-    const Result<QByteArray> bytes = report.encoded();
-    ASSERT_TRUE(bytes);
-    EXPECT_TRUE(bytes->contains(
+    EXPECT_TRUE(report.encoded().value().contains(
         R"("crash":{"exception":"E","faultingThread":0,"frames":[{"imageIndex":1,"imageOffset":4096}],)"
-        R"("images":[{"index":1,"uuid":"00000000-0000-0000-0000-000000000000"}],"terminationCode":11})"))
-        << bytes->constData();
-}
-
-TEST(ProblemReportTests, anEventThatCannotBeWrittenFailsTheReport) {
-    ProblemReport report;
-    LocalDiagnostics::Event& event = report.events.emplace_back();
-    event.details.offsetMS = std::nan("");
-    EXPECT_FALSE(report.encoded());
+        R"("images":[{"index":1,"uuid":"00000000-0000-0000-0000-000000000000"}],"terminationCode":11})"));
 }
 
 TEST_F(ProblemReportModelTests, nothingOfAUsersWorkReachesTheJournalOrTheReport) {
