@@ -5,8 +5,6 @@
 #include "Support/EmptyDefaults.h"
 
 #include <QApplication>
-#include <QClipboard>
-#include <QInputMethodEvent>
 #include <QLineEdit>
 #include <QTest>
 #include <gtest/gtest.h>
@@ -31,12 +29,6 @@ protected:
         QTest::mouseMove(&view, (from + to) / 2);
         QTest::mouseMove(&view, to);
         QTest::mouseRelease(&view, Qt::LeftButton, {}, to);
-    }
-    AnnotationTextView& beginText() {
-        dragFrom({100, 100}, {500, 400});
-        QTest::keyClick(&view, Qt::Key_T);
-        QTest::mouseClick(&view, Qt::LeftButton, {}, {200, 200});
-        return control<AnnotationTextView>("annotationText");
     }
     template<class Widget>
     Widget& control(const char* name) {
@@ -90,37 +82,6 @@ TEST_F(CaptureOverlayViewTests, paintsOnlyWhatAStepChanged) {
     costs("undo", [&] { QTest::keyClick(&view, Qt::Key_Z, Qt::ControlModifier); });
 }
 
-TEST_F(CaptureOverlayViewTests, composedTextReachesTheEditorAndTheKeyboardComesBack) {
-    AnnotationTextView& editor = beginText();
-    EXPECT_TRUE(editor.hasFocus());
-    QInputMethodEvent composing(QStringLiteral("か"), {});
-    QApplication::sendEvent(&editor, &composing);
-    EXPECT_EQ(view.layerCount(), 0);
-    QInputMethodEvent chosen;
-    chosen.setCommitString(QStringLiteral("蚊"));
-    QApplication::sendEvent(&editor, &chosen);
-    QTest::keyClick(&editor, Qt::Key_Return, Qt::ControlModifier);
-    EXPECT_EQ(view.layerCount(), 1);
-    EXPECT_TRUE(view.hasFocus());
-    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    EXPECT_EQ(view.findChild<AnnotationTextView*>(), nullptr);
-}
-
-TEST_F(CaptureOverlayViewTests, aTextOfAHundredThousandCharactersComesBackWhole) {
-    AnnotationTextView& editor = beginText();
-    QString text;
-    while (text.size() < 100000)
-        text += QStringLiteral("line %1 of many\n").arg(text.size());
-    QGuiApplication::clipboard()->setText(text);
-    QTest::keyClick(&editor, Qt::Key_V, Qt::ControlModifier);
-    QTest::keyClick(&editor, Qt::Key_Return, Qt::ControlModifier);
-    ASSERT_EQ(view.layerCount(), 1);
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    QTest::keyClick(&view, Qt::Key_V);
-    QTest::mouseDClick(&view, Qt::LeftButton, {}, {220, 220});
-    EXPECT_EQ(control<AnnotationTextView>("annotationText").string(), text);
-}
-
 TEST_F(CaptureOverlayViewTests, escapeAndCommandsReachTheCanvasFromAnyControl) {
     dragFrom({100, 100}, {500, 400});
     control<QLineEdit>("drawingWidth").setFocus();
@@ -142,10 +103,9 @@ TEST_F(CaptureOverlayViewTests, onlyTheFirstButtonSelectsAndAnotherDisplayTakesO
     QTest::mouseMove(&view, {300, 300});
     QTest::mouseRelease(&view, Qt::RightButton, {}, {300, 300});
     EXPECT_EQ(view.selection(), Rect());
-    beginText();
+    dragFrom({100, 100}, {500, 400});
     view.clearForOtherDisplay();
     EXPECT_EQ(view.selection(), Rect());
-    EXPECT_EQ(view.tool(), AnnotationTool::select);
     EXPECT_TRUE(view.hasImage());
     EXPECT_FALSE(view.outputImage());
 }

@@ -76,29 +76,6 @@ TEST_F(LayerCommandTests, undoBringsBackWhatWasSelected) {
     EXPECT_THAT(actions, IsEmpty()) << "silent when there is nothing";
 }
 
-TEST_F(LayerCommandTests, controlsShowTheStyleTool) {
-    struct ControlCase {
-        AnnotationTool tool;
-        std::optional<AnnotationTool> layer;
-        bool size, color;
-        const char16_t* toolTip;
-    };
-    using Tool = AnnotationTool;
-    for (const ControlCase& row : {ControlCase{Tool::select, {}, false, false, u"Stroke width (1–99)"},
-                                   {Tool::select, Tool::pixelate, true, false, u"Pixel block size (1–99)"},
-                                   {Tool::blur, {}, true, false, u"Stroke width (1–99)"},
-                                   {Tool::text, Tool::line, true, true, u"Text size (1–99)"}}) {
-        document.state = {};
-        document.tool = row.tool;
-        if (row.layer)
-            addSelected(*row.layer, {{60, 60}, {100, 100}});
-        const ControlState state = ControlState::of(document);
-        EXPECT_EQ(state.sizeEnabled, row.size) << static_cast<int>(row.tool);
-        EXPECT_EQ(state.colorEnabled, row.color) << static_cast<int>(row.tool);
-        EXPECT_EQ(state.sizeToolTip, QString::fromUtf16(row.toolTip));
-    }
-}
-
 TEST_F(LayerCommandTests, toolsStartAfreshWithEveryCapture) {
     document.tool = AnnotationTool::marker;
     editor.layers.setDrawingSize(50);
@@ -107,6 +84,17 @@ TEST_F(LayerCommandTests, toolsStartAfreshWithEveryCapture) {
     document.tool = AnnotationTool::marker;
     EXPECT_EQ(document.drawingSize(), 16);
     EXPECT_EQ(document.drawingColor(), QColor(255, 204, 0));
+}
+
+TEST_F(LayerCommandTests, theSizesToolTipNamesWhatItIsTheSizeOf) {
+    const auto toolTip = [this] { return ControlState::of(document).sizeToolTip; };
+    EXPECT_EQ(toolTip(), QStringLiteral("Stroke width (1–99)"));
+    addSelected(AnnotationTool::pixelate, {{60, 60}, {100, 100}});
+    EXPECT_EQ(toolTip(), QStringLiteral("Pixel block size (1–99)"));
+    EXPECT_FALSE(ControlState::of(document).colorEnabled);
+    document.tool = AnnotationTool::text;
+    EXPECT_EQ(toolTip(), QStringLiteral("Text size (1–99)"));
+    EXPECT_TRUE(ControlState::of(document).colorEnabled);
 }
 
 } // namespace

@@ -37,18 +37,15 @@ protected:
 
     OverlayFixture() {
         editor.session.hooks = {
-            .onDiagnosticEvent =
-                [this](Action action, const Diagnostic::Details& details) {
-                    actions.push_back(action);
-                    lastDetails = details;
-                },
+            .onDiagnosticEvent = [this](Action action,
+                                        const Diagnostic::Details&) { actions.push_back(action); },
             .onClose = [this] { ++closed; },
             .onSelection = [this] { ++selections; },
             .onCopy = [this](const QImage& image) { copied = image; },
             .onSave = [this](const QImage& image) { saved = image; },
-            .onChange = [this] { ++changes; },
-            .focusCanvas = [this] { ++canvasFocused; },
-            .closeColorPicker = [this] { ++pickerClosed; },
+            .onChange = [] {},
+            .focusCanvas = [] {},
+            .closeColorPicker = [] {},
             .doubleClickOutsideToCancel = [this] { return doubleClickCancels; },
             .openTextEditor =
                 [this](const TextEditorSetup& setup) { return std::make_unique<TypedText>(typed, setup); }};
@@ -107,12 +104,8 @@ protected:
     OverlayDocument& document = editor.session.document;
     TypedText* typed = nullptr;
     std::vector<Action> actions;
-    Diagnostic::Details lastDetails;
     QImage copied;
     QImage saved;
     int closed = 0;
     int selections = 0;
-    int changes = 0;
-    int canvasFocused = 0;
-    int pickerClosed = 0;
 };
