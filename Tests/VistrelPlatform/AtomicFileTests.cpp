@@ -1,4 +1,5 @@
 #include "Support/ReadOnlyFolder.h"
+#include "Support/TestFiles.h"
 #include "VistrelPlatform/System/AtomicFile.h"
 #include "VistrelPlatform/System/Files.h"
 
@@ -9,105 +10,88 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 class AtomicFileTests : public ::testing::Test {
 protected:
-    QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("file.bin"));
-
-    mode_t mode() const {
+    mode_t mode(const QString& name = u"file.bin"_s) const {
         struct stat facts {};
-        return ::stat(QFile::encodeName(path).constData(), &facts) == 0 ? facts.st_mode & 07777 : 0;
+        return ::stat(QFile::encodeName(folder.filePath(name)).constData(), &facts) == 0
+                   ? facts.st_mode & 07777
+                   : 0;
     }
-    QStringList entries() const {
-        return QDir(folder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
-    }
+
+    QTemporaryDir folder;
+    const QString path = folder.filePath(u"file.bin"_s);
 };
 
-TEST_F(AtomicFileTests, replacesContentAndLeavesNothingBehind) {
-    ASSERT_TRUE(writeAtomically(path, "old and longer"));
-    ASSERT_TRUE(writeAtomically(path, QByteArray("\0new", 4)));
-    EXPECT_EQ(Files::read(path, 100), QByteArray("\0new", 4));
-    EXPECT_EQ(entries(), QStringList{QStringLiteral("file.bin")});
-}
+} // namespace
 
-TEST_F(AtomicFileTests, permissionsAreTheGivenTheFormerOrTheUsual) {
+TEST_F(AtomicFileTests, contentIsReplacedAndPermissionsAreTheGivenTheFormerOrTheUsual) {
     const mode_t mask = ::umask(022);
-    ASSERT_TRUE(writeAtomically(path, "a"));
+    ASSERT_TRUE(writeAtomically(path, "old and longer"));
     EXPECT_EQ(mode(), 0644U);
-    ASSERT_TRUE(writeAtomically(path, "b", 0600));
+    ASSERT_TRUE(writeAtomically(path, QByteArray("\0new", 4), 0600));
+    EXPECT_EQ(Files::read(path, 100), QByteArray("\0new", 4));
     EXPECT_EQ(mode(), 0600U);
     ASSERT_TRUE(writeAtomically(path, "c"));
     EXPECT_EQ(mode(), 0600U);
     ::umask(mask);
+    EXPECT_EQ(entriesOf(folder.path()), QStringList{u"file.bin"_s});
+    EXPECT_EQ(writeAtomically(folder.filePath(u"no/file"_s), "x").error(),
+              (Error{ErrorDomain::system, ENOENT, qt_error_string(ENOENT)}));
 }
 
-TEST_F(AtomicFileTests, aMissingFolderIsTheSystemsError) {
-    const Result<void> written = writeAtomically(folder.filePath(QStringLiteral("no/file")), "x");
-    ASSERT_FALSE(written);
-    EXPECT_EQ(written.error(), (Error{ErrorDomain::system, ENOENT, qt_error_string(ENOENT)}));
-}
-
-TEST_F(AtomicFileTests, aReadOnlyFolderKeepsTheOldFile) {
-    ASSERT_TRUE(writeAtomically(path, "old"));
-    const ReadOnlyFolder readOnly(folder.path());
-    ASSERT_TRUE(readOnly.inForce());
-    const Result<void> written = writeAtomically(path, "new");
-    ASSERT_FALSE(written);
-    EXPECT_EQ(written.error().code, EACCES);
-    EXPECT_EQ(Files::read(path, 100), QByteArray("old"));
-}
-
-TEST_F(AtomicFileTests, whenTheDiskIsFullTheOldFileStaysAndThePartIsRemoved) {
+TEST_F(AtomicFileTests, whenItCannotBeWrittenTheOldFileStaysAndNothingElse) {
     ASSERT_TRUE(writeAtomically(path, "old"));
     rlimit before{};
     ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
     const auto handler = std::signal(SIGXFSZ, SIG_IGN);
     const rlimit small{4096, before.rlim_max};
     ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
-    const Result<void> written = writeAtomically(path, QByteArray(8192, 'x'));
+    const Result<void> full = writeAtomically(path, QByteArray(8192, 'x'));
     ::setrlimit(RLIMIT_FSIZE, &before);
     std::signal(SIGXFSZ, handler);
-    ASSERT_FALSE(written);
-    EXPECT_EQ(written.error().code, EFBIG);
+    ASSERT_FALSE(full);
+    EXPECT_EQ(full.error().code, EFBIG);
+
+    const ReadOnlyFolder readOnly(folder.path());
+    ASSERT_TRUE(readOnly.inForce());
+    const Result<void> forbidden = writeAtomically(path, "new");
+    ASSERT_FALSE(forbidden);
+    EXPECT_EQ(forbidden.error().code, EACCES);
     EXPECT_EQ(Files::read(path, 100), QByteArray("old"));
-    EXPECT_EQ(entries(), QStringList{QStringLiteral("file.bin")});
+    EXPECT_EQ(entriesOf(folder.path()), QStringList{u"file.bin"_s});
 }
 
 TEST_F(AtomicFileTests, remainsOfInterruptedWritesAreRemovedAndNothingElse) {
     for (const char* name :
          {".file.bin.vistrel-1x", ".file.bin", "file.bin.vistrel-1x", ".other.bin.vistrel-1"})
-        ASSERT_TRUE(writeAtomically(folder.filePath(QString::fromLatin1(name)), "x"));
+        writeFile(folder.filePath(QString::fromLatin1(name)), "x");
     removeInterruptedWrites(path);
-    EXPECT_EQ(entries(), (QStringList{QStringLiteral(".file.bin"), QStringLiteral(".other.bin.vistrel-1"),
-                                      QStringLiteral("file.bin.vistrel-1x")}));
+    EXPECT_EQ(entriesOf(folder.path()),
+              (QStringList{u".file.bin"_s, u".other.bin.vistrel-1"_s, u"file.bin.vistrel-1x"_s}));
 }
 
 TEST_F(AtomicFileTests, readingIsBoundedAndNeverBlocks) {
-    ASSERT_TRUE(writeAtomically(path, QByteArray(100, 'x')));
+    writeFile(path, QByteArray(100, 'x'));
     EXPECT_TRUE(Files::read(path, 100));
     EXPECT_EQ(Files::read(path, 99).error().code, EFBIG);
     EXPECT_EQ(Files::read(folder.path(), 100).error().code, EISDIR);
-    const QString pipe = folder.filePath(QStringLiteral("pipe"));
+    const QString pipe = folder.filePath(u"pipe"_s);
     ASSERT_EQ(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
     EXPECT_EQ(Files::read(pipe, 100).error().code, EINVAL);
-    EXPECT_FALSE(Files::read(QStringLiteral("/dev/zero"), 100));
+    EXPECT_FALSE(Files::read(u"/dev/zero"_s, 100));
 }
 
 TEST_F(AtomicFileTests, foldersAreMadeWithTheirParentsAndAFileInTheWayIsAnError) {
-    const QString deep = folder.filePath(QStringLiteral("a/b/../b/c"));
-    ASSERT_TRUE(Files::createFolder(deep));
-    ASSERT_TRUE(Files::createFolder(deep));
-    struct stat facts {};
-    for (const char* name : {"a", "a/b", "a/b/c"}) {
-        ASSERT_EQ(::stat(QFile::encodeName(folder.filePath(QString::fromLatin1(name))).constData(), &facts),
-                  0);
-        EXPECT_EQ(facts.st_mode & 0777, 0700U) << name;
-    }
-    ASSERT_TRUE(writeAtomically(path, "x"));
+    for (int time = 0; time < 2; ++time)
+        ASSERT_TRUE(Files::createFolder(folder.filePath(u"a/b/../b/c"_s)));
+    for (const QString& name : {u"a"_s, u"a/b"_s, u"a/b/c"_s})
+        EXPECT_EQ(mode(name), 0700U) << name.toStdString();
+    writeFile(path, "x");
     EXPECT_EQ(Files::createFolder(path).error().code, ENOTDIR);
-    EXPECT_EQ(Files::createFolder(path + QStringLiteral("/below")).error().code, ENOTDIR);
+    EXPECT_EQ(Files::createFolder(path + u"/below"_s).error().code, ENOTDIR);
 }
-
-} // namespace

@@ -1,10 +1,8 @@
 #include "Support/ReadOnlyFolder.h"
-#include "VistrelPlatform/System/AtomicFile.h"
+#include "Support/TestFiles.h"
 #include "VistrelPlatform/System/FileUserDefaults.h"
 
 #include <QCoreApplication>
-#include <QFile>
-#include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTemporaryDir>
@@ -13,196 +11,158 @@
 #include <gtest/gtest.h>
 #include <thread>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-const QString scale = QStringLiteral("editorPanelScalePercentV2");
+const QString scale = u"editorPanelScalePercentV2"_s;
 
 class FileUserDefaultsTests : public ::testing::Test {
 protected:
-    QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("Vistrel/defaults.json"));
+    QJsonObject stored() const { return QJsonDocument::fromJson(readFile(path)).object(); }
+    /// The contents of the unreadable files that were kept.
+    QByteArrayList keptAside() const {
+        const QDir place = QFileInfo(path).dir();
+        QByteArrayList contents;
+        for (const QString& name : place.entryList({u"defaults.json.unreadable-*"_s}, QDir::Files))
+            contents << readFile(place.filePath(name));
+        return contents;
+    }
 
-    QByteArray content() const {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
-    void write(const QByteArray& bytes) const {
-        QDir().mkpath(QFileInfo(path).path());
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        ASSERT_EQ(file.write(bytes), bytes.size());
-    }
-    QStringList keptAside() const {
-        return QFileInfo(path).dir().entryList({QStringLiteral("defaults.json.unreadable-*")}, QDir::Files);
-    }
+    QTemporaryDir folder;
+    const QString path = folder.filePath(u"Vistrel/defaults.json"_s);
 };
 
-TEST_F(FileUserDefaultsTests, aFreshStoreIsEmptyAndWritesNothing) {
-    {
-        FileUserDefaults defaults(path);
-        EXPECT_FALSE(defaults.has(scale));
-        EXPECT_EQ(defaults.number(scale), std::nullopt);
-    }
-    EXPECT_FALSE(QFileInfo::exists(path));
-}
+} // namespace
 
 TEST_F(FileUserDefaultsTests, everyTypeComesBackInTheNextRun) {
+    { FileUserDefaults untouched(path); }
+    EXPECT_FALSE(QFileInfo::exists(path));
     const QByteArray binary("\x00\xff[{\"\n", 6);
     {
         FileUserDefaults defaults(path);
-        defaults.setNumber(QStringLiteral("number"), 62.5);
-        defaults.setBoolean(QStringLiteral("boolean"), false);
-        defaults.setString(QStringLiteral("text"), QStringLiteral("⌘⇧9 \"ü\""));
-        defaults.setData(QStringLiteral("binary"), binary);
-        defaults.setString(QStringLiteral("gone"), QStringLiteral("x"));
-        defaults.remove(QStringLiteral("gone"));
-        EXPECT_EQ(defaults.number(QStringLiteral("number")), 62.5) << "readable before it is written";
+        defaults.setNumber(u"number"_s, 62.5);
+        defaults.setBoolean(u"boolean"_s, false);
+        defaults.setString(u"text"_s, u"⌘⇧9 \"ü\""_s);
+        defaults.setData(u"binary"_s, binary);
+        defaults.setString(u"gone"_s, u"x"_s);
+        defaults.remove(u"gone"_s);
+        EXPECT_EQ(defaults.number(u"number"_s), 62.5) << "readable before it is written";
+        QCoreApplication::sendPostedEvents();
+        EXPECT_EQ(stored()[u"number"], 62.5) << "written when the event loop comes round";
     }
-    FileUserDefaults defaults(path);
-    EXPECT_EQ(defaults.number(QStringLiteral("number")), 62.5);
-    EXPECT_EQ(defaults.boolean(QStringLiteral("boolean")), false);
-    EXPECT_EQ(defaults.string(QStringLiteral("text")), QStringLiteral("⌘⇧9 \"ü\""));
-    EXPECT_EQ(defaults.data(QStringLiteral("binary")), binary);
-    EXPECT_FALSE(defaults.has(QStringLiteral("gone")));
+    const FileUserDefaults defaults(path);
+    EXPECT_EQ(defaults.number(u"number"_s), 62.5);
+    EXPECT_EQ(defaults.boolean(u"boolean"_s), false);
+    EXPECT_EQ(defaults.string(u"text"_s), u"⌘⇧9 \"ü\""_s);
+    EXPECT_EQ(defaults.data(u"binary"_s), binary);
+    EXPECT_FALSE(defaults.has(u"gone"_s));
     EXPECT_EQ(QFile::permissions(path) & (QFile::ReadGroup | QFile::ReadOther), QFile::Permissions());
 }
 
-TEST_F(FileUserDefaultsTests, aChangeIsWrittenWhenTheEventLoopComesRound) {
-    FileUserDefaults defaults(path);
-    defaults.setNumber(scale, 120);
-    QCoreApplication::sendPostedEvents();
-    EXPECT_EQ(QJsonDocument::fromJson(content()).object().value(scale).toInt(), 120);
-}
-
-struct TypeCase {
-    const char* name;
-    const char* json;
-    bool number, boolean, string, data, has;
-};
-const TypeCase typeCases[] = {
-    {"wholeNumber", "100", true, false, false, false, true},
-    {"fraction", "0.5", true, false, false, false, true},
-    {"boolean", "true", false, true, false, false, true},
-    {"text", "\"1\"", false, false, true, false, true},
-    {"binary", R"({"data": "AAEC"})", false, false, false, true, true},
-    {"emptyBinary", R"({"data": ""})", false, false, false, true, true},
-    {"binaryThatIsNoBase64", R"({"data": "A*"})", false, false, false, false, true},
-    {"otherObject", R"({"x": 1})", false, false, false, false, true},
-    {"list", "[1]", false, false, false, false, true},
-    {"null", "null", false, false, false, false, false},
-};
-
 TEST_F(FileUserDefaultsTests, aValueIsReadAsItsOwnTypeOnly) {
-    for (const TypeCase& row : typeCases) {
-        SCOPED_TRACE(row.name);
+    const struct {
+        const char* name;
+        const char* json;
+        const char* readable;
+        bool has = true;
+    } rows[] = {
+        {"wholeNumber", "100", "number"},
+        {"fraction", "0.5", "number"},
+        {"boolean", "true", "boolean"},
+        {"text", "\"1\"", "string"},
+        {"binary", R"({"data": "AA"})", "data"},
+        {"emptyBinary", R"({"data": ""})", "data"},
+        {"noBase64", R"({"data": "A*"})", ""},
+        {"otherObject", R"({"x": 1})", ""},
+        {"list", "[1]", ""},
+        {"null", "null", "", false},
+    };
+    for (const auto& row : rows) {
         const QString key = QString::fromLatin1(row.name);
-        const QString file = folder.filePath(key);
-        ASSERT_TRUE(writeAtomically(file, "{\"" + QByteArray(row.name) + "\": " + row.json + "}"));
-        FileUserDefaults defaults(file);
-        EXPECT_EQ(defaults.number(key).has_value(), row.number);
-        EXPECT_EQ(defaults.boolean(key).has_value(), row.boolean);
-        EXPECT_EQ(defaults.string(key).has_value(), row.string);
-        EXPECT_EQ(defaults.data(key).has_value(), row.data);
-        EXPECT_EQ(defaults.has(key), row.has);
+        writeFile(path, "{\"" + QByteArray(row.name) + "\": " + row.json + "}");
+        const FileUserDefaults defaults(path);
+        const std::string readable =
+            std::string(defaults.number(key) ? "number" : "") + (defaults.boolean(key) ? "boolean" : "") +
+            (defaults.string(key) ? "string" : "") + (defaults.data(key) ? "data" : "");
+        EXPECT_EQ(readable, row.readable) << row.name;
+        EXPECT_EQ(defaults.has(key), row.has) << row.name;
     }
 }
 
 TEST_F(FileUserDefaultsTests, whatIsNotUnderstoodSurvivesARewrite) {
-    write(R"({"": 1, "a/b": [1, {"deep": null}], "/odd//": "x", "large": 9007199254740993,
+    writeFile(path, R"({"": 1, "a/b": [1, {"deep": null}], "/odd//": "x", "large": 9007199254740993,
               "nothing": null, "SCALE": 1, "scale": 2, "naïve": {"data": 5}, "long": 1e300})");
-    QJsonObject expected = QJsonDocument::fromJson(content()).object();
-    {
-        FileUserDefaults defaults(path);
-        defaults.setNumber(scale, 80);
-    }
+    QJsonObject expected = stored();
+    FileUserDefaults(path).setNumber(scale, 80);
     expected.insert(scale, 80);
-    EXPECT_EQ(QJsonDocument::fromJson(content()).object(), expected) << content().constData();
+    EXPECT_EQ(stored(), expected) << readFile(path).constData();
 }
 
-struct UnreadableCase {
-    const char* name;
-    QByteArray content;
-};
-const UnreadableCase unreadableCases[] = {
-    {"cutOff", "{\"a\": 1, \"b\""},       {"notAnObject", "[1, 2]"},
-    {"notJSON", "scale=100\n"},           {"nul", QByteArray("{\"a\": 1}\0", 9)},
-    {"notUTF8", "{\"a\": \"\xff\xfe\"}"}, {"twoObjects", "{}{}"},
-};
-
 TEST_F(FileUserDefaultsTests, anUnreadableFileIsKeptAsideAndNeverReplaced) {
+    const std::pair<const char*, QByteArray> rows[] = {
+        {"cutOff", "{\"a\": 1, \"b\""},       {"notAnObject", "[1, 2]"},
+        {"notJSON", "scale=100\n"},           {"nul", QByteArray("{\"a\": 1}\0", 9)},
+        {"notUTF8", "{\"a\": \"\xff\xfe\"}"}, {"twoObjects", "{}{}"},
+    };
     int kept = 0;
-    for (const UnreadableCase& row : unreadableCases) {
-        SCOPED_TRACE(row.name);
-        write(row.content);
+    for (const auto& [name, content] : rows) {
+        SCOPED_TRACE(name);
+        writeFile(path, content);
         {
             FileUserDefaults defaults(path);
-            EXPECT_FALSE(defaults.has(QStringLiteral("a")));
+            EXPECT_FALSE(defaults.has(u"a"_s));
             defaults.setNumber(scale, 90);
         }
         EXPECT_EQ(FileUserDefaults(path).number(scale), 90);
-        const QStringList files = keptAside();
-        EXPECT_EQ(files.size(), ++kept) << "an earlier one was lost";
-        const bool found = std::any_of(files.begin(), files.end(), [&](const QString& name) {
-            QFile file(QFileInfo(path).dir().filePath(name));
-            return file.open(QIODevice::ReadOnly) && file.readAll() == row.content;
-        });
-        EXPECT_TRUE(found);
+        EXPECT_EQ(keptAside().size(), ++kept) << "an earlier one was lost";
+        EXPECT_TRUE(keptAside().contains(content));
     }
 }
 
-TEST_F(FileUserDefaultsTests, aFileSpoiledWhileTheProgramRunsIsKeptToo) {
+TEST_F(FileUserDefaultsTests, whatOthersWriteWhileTheProgramRunsIsKept) {
     FileUserDefaults defaults(path);
     defaults.setNumber(scale, 90);
     ASSERT_TRUE(defaults.synchronize());
-    write("{ spoiled by hand");
-    defaults.setBoolean(QStringLiteral("other"), true);
-    EXPECT_TRUE(defaults.synchronize());
-    EXPECT_EQ(keptAside().size(), 1);
-    EXPECT_EQ(FileUserDefaults(path).boolean(QStringLiteral("other")), true);
-}
+    writeFile(path, R"({"editorPanelScalePercentV2": 70, "theirs": true})");
+    defaults.setString(u"ours"_s, u"x"_s);
+    ASSERT_TRUE(defaults.synchronize());
+    EXPECT_EQ(defaults.boolean(u"theirs"_s), true);
+    EXPECT_EQ(stored()[scale], 70);
 
-TEST_F(FileUserDefaultsTests, anotherProgramsChangeIsNotUndone) {
-    FileUserDefaults defaults(path);
-    defaults.setNumber(scale, 90);
-    ASSERT_TRUE(defaults.synchronize());
-    write(R"({"editorPanelScalePercentV2": 70, "theirs": true})");
-    defaults.setString(QStringLiteral("ours"), QStringLiteral("x"));
-    ASSERT_TRUE(defaults.synchronize());
-    EXPECT_EQ(defaults.boolean(QStringLiteral("theirs")), true);
-    EXPECT_EQ(FileUserDefaults(path).number(scale), 70);
+    writeFile(path, "{ spoiled by hand");
+    defaults.setBoolean(u"other"_s, true);
+    EXPECT_TRUE(defaults.synchronize());
+    EXPECT_EQ(keptAside(), QByteArrayList{"{ spoiled by hand"});
+    EXPECT_EQ(stored()[u"other"], true);
 }
 
 TEST_F(FileUserDefaultsTests, aFolderThatCannotBeWrittenLeavesTheValuesInTheProcess) {
-    write("{\"a\": 1}");
+    writeFile(path, "{\"a\": 1}");
     FileUserDefaults defaults(path);
-    const ReadOnlyFolder readOnly(folder.path(), QStringLiteral("Vistrel"));
+    const ReadOnlyFolder readOnly(folder.path(), u"Vistrel"_s);
     ASSERT_TRUE(readOnly.inForce());
     defaults.setNumber(scale, 90);
     EXPECT_FALSE(defaults.synchronize());
     EXPECT_EQ(defaults.number(scale), 90);
-    EXPECT_EQ(content(), QByteArray("{\"a\": 1}"));
+    EXPECT_EQ(readFile(path), "{\"a\": 1}");
 }
 
 TEST_F(FileUserDefaultsTests, otherThreadsReadWhileTheMainThreadWrites) {
     FileUserDefaults defaults(path);
-    defaults.setBoolean(QStringLiteral("switch"), true);
-    std::atomic<bool> stop = false;
+    defaults.setBoolean(u"switch"_s, true);
     std::atomic<int> misses = 0;
-    std::thread reader([&] {
-        while (!stop) {
-            if (!defaults.boolean(QStringLiteral("switch")))
-                ++misses;
+    {
+        const std::jthread reader([&](const std::stop_token& stop) {
+            while (!stop.stop_requested())
+                misses += !defaults.boolean(u"switch"_s);
+        });
+        for (int step = 0; step < 200; ++step) {
+            defaults.setBoolean(u"switch"_s, step % 2 == 0);
+            defaults.setNumber(scale, step);
+            if (step % 20 == 0)
+                QCoreApplication::sendPostedEvents();
         }
-    });
-    for (int step = 0; step < 200; ++step) {
-        defaults.setBoolean(QStringLiteral("switch"), step % 2 == 0);
-        defaults.setNumber(scale, step);
-        if (step % 20 == 0)
-            QCoreApplication::sendPostedEvents();
     }
-    stop = true;
-    reader.join();
     EXPECT_EQ(misses, 0);
 }
-
-} // namespace

@@ -13,9 +13,10 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-namespace {
-
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
+
+namespace {
 
 /// Runs `work` in another thread while this one goes on answering.
 template<class Work>
@@ -32,122 +33,101 @@ auto meanwhile(Work work) {
     return *result;
 }
 
-class RunningInstanceTest : public testing::Test {
-protected:
-    QString socketPath() const { return *Paths::runtime() + QStringLiteral("/instance.socket"); }
-
-    std::unique_ptr<DesktopRunningInstance> start(const QDBusConnection& connection,
-                                                  const QString& token = {}) {
-        return std::make_unique<DesktopRunningInstance>(
-            connection, DesktopRunningInstance::Options{.patience = 20s, .token = token});
-    }
-    /// A start that the holder, living in this thread, can answer.
-    bool laterStartClaims(const QDBusConnection& connection, const QString& token = {}) {
-        return meanwhile([&] { return start(connection, token)->claim(); });
-    }
-    static QDBusConnection noBus() { return QDBusConnection(QString()); }
-
-    QTemporaryDir runtime;
-    ScopedEnvironment environment{"XDG_RUNTIME_DIR", QFile::encodeName(runtime.path())};
-    ShareTestBus bus;
-    QStringList tokens;
-};
-
-/// A client of the socket that behaves as it likes.
+/// One end of the program's socket that behaves as it likes.
 class Stranger {
 public:
-    explicit Stranger(const QString& path) : socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-        sockaddr_un address{};
+    explicit Stranger(const QString& path) {
         address.sun_family = AF_UNIX;
         std::strncpy(address.sun_path, QFile::encodeName(path).constData(), sizeof address.sun_path - 1);
-        connected = ::connect(socket.get(), reinterpret_cast<sockaddr*>(&address), sizeof address) == 0;
     }
+    bool connects() const { return ::connect(socket.get(), target(), sizeof address) == 0; }
+    bool binds() const { return ::bind(socket.get(), target(), sizeof address) == 0; }
     void say(const QByteArray& text) const {
         EXPECT_EQ(::send(socket.get(), text.constData(), static_cast<size_t>(text.size()), MSG_NOSIGNAL),
                   text.size());
     }
 
-    FileDescriptor socket;
-    bool connected = false;
+private:
+    const sockaddr* target() const { return reinterpret_cast<const sockaddr*>(&address); }
+
+    FileDescriptor socket{::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)};
+    sockaddr_un address{};
+};
+
+class RunningInstanceTest : public testing::Test {
+protected:
+    QString socketPath() const { return *Paths::runtime() + u"/instance.socket"_s; }
+    std::unique_ptr<DesktopRunningInstance> start(const QDBusConnection& connection,
+                                                  const QString& token = {}) {
+        auto instance = std::make_unique<DesktopRunningInstance>(
+            connection, DesktopRunningInstance::Options{.patience = 20s, .token = token});
+        instance->onActivated = [this](const QString& received) { tokens.append(received); };
+        return instance;
+    }
+    /// A start that the holder, living in this thread, can answer.
+    bool laterStartClaims(const QDBusConnection& connection, const QString& token = {}) {
+        return meanwhile([&] { return start(connection, token)->claim(); });
+    }
+
+    QTemporaryDir runtime;
+    ScopedEnvironment environment{"XDG_RUNTIME_DIR", QFile::encodeName(runtime.path())};
+    ShareTestBus bus;
+    const QDBusConnection noBus{QString()};
+    QStringList tokens;
 };
 
 } // namespace
 
-TEST_F(RunningInstanceTest, WithoutABusTheSecondStartActivatesTheFirst) {
-    const auto first = start(noBus());
-    first->onActivated = [this](const QString& token) { tokens.append(token); };
+TEST_F(RunningInstanceTest, WithoutABusTheSecondStartActivatesTheFirstUntilThatEnds) {
+    // What a killed process leaves: its socket and its file, neither held by anybody.
+    ASSERT_TRUE(Stranger(socketPath()).binds());
+    writeFile(*Paths::runtime() + u"/instance.lock"_s, {});
+    auto first = start(noBus);
     ASSERT_TRUE(first->claim());
-    EXPECT_FALSE(laterStartClaims(noBus(), QStringLiteral("token 1")));
-    EXPECT_FALSE(laterStartClaims(noBus()));
-    EXPECT_EQ(tokens, (QStringList{QStringLiteral("token 1"), QString()}));
-}
-
-TEST_F(RunningInstanceTest, WhenTheFirstEndsThePlaceIsFree) {
-    auto first = start(bus.client());
-    ASSERT_TRUE(first->claim());
+    EXPECT_FALSE(laterStartClaims(noBus, u"token 1"_s));
+    EXPECT_FALSE(laterStartClaims(noBus));
+    EXPECT_EQ(tokens, (QStringList{u"token 1"_s, QString()}));
     first.reset();
     EXPECT_FALSE(QFile::exists(socketPath()));
-    EXPECT_TRUE(start(bus.peer())->claim());
-}
-
-TEST_F(RunningInstanceTest, ACrashedHoldersRemainsAreTakenOver) {
-    // What a killed process leaves: its socket and its file, neither held by anybody.
-    {
-        sockaddr_un address{};
-        address.sun_family = AF_UNIX;
-        std::strncpy(address.sun_path, QFile::encodeName(socketPath()).constData(),
-                     sizeof address.sun_path - 1);
-        const FileDescriptor dead(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
-        ASSERT_EQ(::bind(dead.get(), reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
-        QFile file(*Paths::runtime() + QStringLiteral("/instance.lock"));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    }
-    const auto first = start(noBus());
-    first->onActivated = [this](const QString& token) { tokens.append(token); };
-    ASSERT_TRUE(first->claim());
-    EXPECT_FALSE(laterStartClaims(noBus(), QStringLiteral("x")));
-    EXPECT_EQ(tokens, QStringList{QStringLiteral("x")});
+    EXPECT_TRUE(start(noBus)->claim());
 }
 
 TEST_F(RunningInstanceTest, OnTheBusThePlaceIsOneForAllRuntimeFolders) {
-    const auto first = start(bus.client());
-    first->onActivated = [this](const QString& token) { tokens.append(token); };
+    auto first = start(bus.client());
     ASSERT_TRUE(first->claim());
     const QTemporaryDir elsewhere;
-    const ScopedEnvironment other("XDG_RUNTIME_DIR", QFile::encodeName(elsewhere.path()));
-    EXPECT_FALSE(laterStartClaims(bus.peer(), QStringLiteral("t")));
-    EXPECT_EQ(tokens, QStringList{QStringLiteral("t")});
-    EXPECT_FALSE(QFile::exists(elsewhere.filePath(QStringLiteral("Vistrel/instance.socket"))));
+    {
+        const ScopedEnvironment other("XDG_RUNTIME_DIR", QFile::encodeName(elsewhere.path()));
+        EXPECT_FALSE(laterStartClaims(bus.peer(), u"t"_s));
+    }
+    EXPECT_EQ(tokens, QStringList{u"t"_s});
+    EXPECT_FALSE(QFile::exists(elsewhere.filePath(u"Vistrel/instance.socket"_s)));
+    first.reset();
+    EXPECT_TRUE(start(bus.peer())->claim());
+
+    const ScopedEnvironment unusable("XDG_RUNTIME_DIR", "/dev/null");
+    first = start(bus.client());
+    EXPECT_TRUE(first->claim());
+    EXPECT_FALSE(laterStartClaims(bus.peer()));
+    EXPECT_TRUE(start(noBus)->claim()) << "nothing to tell them apart by";
 }
 
 TEST_F(RunningInstanceTest, TheDesktopCanCallIt) {
     const auto first = start(bus.client());
-    first->onActivated = [this](const QString& token) { tokens.append(token); };
     ASSERT_TRUE(first->claim());
     const auto call = [this](const char* method, const QVariantList& arguments) {
-        QDBusMessage message = QDBusMessage::createMethodCall(
-            QStringLiteral("com.orvane.Vistrel"), QStringLiteral("/com/orvane/Vistrel"),
-            QStringLiteral("org.freedesktop.Application"), QString::fromLatin1(method));
+        QDBusMessage message =
+            QDBusMessage::createMethodCall(u"com.orvane.Vistrel"_s, u"/com/orvane/Vistrel"_s,
+                                           u"org.freedesktop.Application"_s, QString::fromLatin1(method));
         message.setArguments(arguments);
-        return meanwhile([&] { return bus.peer().call(message).type(); });
+        EXPECT_EQ(meanwhile([&] { return bus.peer().call(message).type(); }), QDBusMessage::ReplyMessage);
     };
-    const QVariantMap data{{QStringLiteral("desktop-startup-id"), QStringLiteral("id")}};
-    EXPECT_EQ(call("Activate", {data}), QDBusMessage::ReplyMessage);
-    EXPECT_EQ(call("Open", {QStringList{QStringLiteral("file:///a")}, QVariantMap()}),
-              QDBusMessage::ReplyMessage);
-    const QVariantMap both{{QStringLiteral("desktop-startup-id"), QStringLiteral("id")},
-                           {QStringLiteral("activation-token"), QStringLiteral("newer")}};
-    EXPECT_EQ(call("ActivateAction", {QStringLiteral("capture"), QVariantList(), both}),
-              QDBusMessage::ReplyMessage);
-    EXPECT_EQ(tokens, (QStringList{QStringLiteral("id"), QString(), QStringLiteral("newer")}));
-}
-
-TEST_F(RunningInstanceTest, NoUsableRuntimeFolderLeavesItToTheBus) {
-    const ScopedEnvironment unusable("XDG_RUNTIME_DIR", "/dev/null");
-    const auto first = start(bus.client());
-    EXPECT_TRUE(first->claim());
-    EXPECT_FALSE(laterStartClaims(bus.peer()));
-    EXPECT_TRUE(start(noBus())->claim());
+    const QVariantMap data{{u"desktop-startup-id"_s, u"id"_s}};
+    const QVariantMap both{{u"desktop-startup-id"_s, u"id"_s}, {u"activation-token"_s, u"newer"_s}};
+    call("Activate", {data});
+    call("Open", {QStringList{u"file:///a"_s}, QVariantMap()});
+    call("ActivateAction", {u"capture"_s, QVariantList(), both});
+    EXPECT_EQ(tokens, (QStringList{u"id"_s, QString(), u"newer"_s}));
 }
 
 TEST_F(RunningInstanceTest, StrangeVisitorsDoNoHarm) {
@@ -160,24 +140,23 @@ TEST_F(RunningInstanceTest, StrangeVisitorsDoNoHarm) {
     const Stranger silent(socketPath());
     const Stranger wordy(socketPath());
     const Stranger endless(socketPath());
-    ASSERT_TRUE(silent.connected && wordy.connected && endless.connected);
+    const Stranger slow(socketPath());
+    ASSERT_TRUE(silent.connects() && wordy.connects() && endless.connects() && slow.connects());
     wordy.say("GET / HTTP/1.0\n");
     endless.say(QByteArray(5000, 'a'));
-    { const Stranger fleeting(socketPath()); }
-    Stranger slow(socketPath());
+    EXPECT_TRUE(Stranger(socketPath()).connects()) << "and goes at once";
     slow.say("activ");
     EXPECT_TRUE(meanwhile([&] { return second.activateHolder("good", 20s); }));
     slow.say("ate in two parts\n");
     EXPECT_TRUE(waitUntil([&] { return tokens.size() == 2; }));
-    EXPECT_EQ(tokens, (QStringList{QStringLiteral("good"), QStringLiteral("in two parts")}));
+    EXPECT_EQ(tokens, (QStringList{u"good"_s, u"in two parts"_s}));
 }
 
 TEST_F(RunningInstanceTest, AHolderThatDoesNotAnswerIsNotWaitedFor) {
-    const auto first = start(noBus());
-    first->onActivated = [this](const QString& token) { tokens.append(token); };
+    const auto first = start(noBus);
     ASSERT_TRUE(first->claim());
     // The holder is this thread, which cannot answer meanwhile.
-    DesktopRunningInstance second(noBus(), {.patience = 30ms, .token = QStringLiteral("late")});
+    DesktopRunningInstance second(noBus, {.patience = 30ms, .token = u"late"_s});
     EXPECT_FALSE(second.claim());
-    EXPECT_TRUE(waitUntil([&] { return tokens == QStringList{QStringLiteral("late")}; }));
+    EXPECT_TRUE(waitUntil([&] { return tokens == QStringList{u"late"_s}; }));
 }

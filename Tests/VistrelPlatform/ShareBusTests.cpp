@@ -1,230 +1,189 @@
-#include "VistrelPlatform/ShareTestBus.h"
-
 #include "VistrelPlatform/Freedesktop/ShareBluetooth.h"
 #include "VistrelPlatform/Freedesktop/ShareLinkedDevices.h"
 #include "VistrelPlatform/Freedesktop/ShareMail.h"
+#include "VistrelPlatform/ShareTestBus.h"
 
 #include <QDBusArgument>
 #include <QDBusObjectPath>
 #include <QDBusUnixFileDescriptor>
-#include <QFileInfo>
 
 #include <gtest/gtest.h>
 
-#include <unistd.h>
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace {
 
+const QString portalName = u"org.freedesktop.portal.Desktop"_s;
+
+/// Shares one picture over a bus.
 class ShareBusTests : public ::testing::Test {
 protected:
     ShareBusTests() { qputenv("XDG_RUNTIME_DIR", QFile::encodeName(runtime.path())); }
 
-    std::shared_ptr<SharePictureFile> picture() {
-        return SharePictureFile::write({QByteArrayLiteral("picture bytes"), QStringLiteral("a.png")}).value();
+    /// The outcome, once there is one.
+    template<class Kind>
+    std::optional<bool> share(Kind& kind, const QString& identifier) {
+        std::optional<bool> outcome;
+        auto file = SharePictureFile::write({QByteArrayLiteral("picture bytes"), u"a.png"_s}).value();
+        path = file->path();
+        kind.perform(identifier, std::move(file), [&](bool shared) { outcome = shared; });
+        EXPECT_FALSE(outcome);
+        EXPECT_TRUE(waitUntil([&] { return outcome.has_value(); }));
+        return outcome;
     }
-    ShareServices::Completion note() {
-        return [this](bool shared) { outcomes.push_back(shared); };
-    }
-    bool ends() {
-        return waitUntil([this] { return !outcomes.empty(); });
-    }
+    void send(const QDBusMessage& message) { bus.peer().send(message); }
 
     QTemporaryDir runtime;
     ShareTestBus bus;
     ShareRetention retention;
-    std::vector<bool> outcomes;
+    QString path;
 };
 
-// Mail
+QVariant objectPath(const QString& path) {
+    return QVariant::fromValue(QDBusObjectPath(path));
+}
 
 QString portalHandle(const QDBusMessage& call) {
     const QVariantMap options = qdbus_cast<QVariantMap>(call.arguments().at(1));
-    QString sender = call.service().mid(1);
-    sender.replace(QLatin1Char('.'), QLatin1Char('_'));
-    return QStringLiteral("/org/freedesktop/portal/desktop/request/%1/%2")
-        .arg(sender, options.value(QStringLiteral("handle_token")).toString());
-}
-
-QDBusMessage portalResponse(const QString& handle, uint answer) {
-    QDBusMessage signal = QDBusMessage::createSignal(handle, QStringLiteral("org.freedesktop.portal.Request"),
-                                                     QStringLiteral("Response"));
-    signal << answer << QVariantMap();
-    return signal;
+    return u"/org/freedesktop/portal/desktop/request/%1/%2"_s.arg(
+        call.service().mid(1).replace(u'.', u'_'), options.value(u"handle_token"_s).toString());
 }
 
 QByteArray attachedBytes(const QDBusMessage& call) {
     const QVariantMap options = qdbus_cast<QVariantMap>(call.arguments().at(1));
-    const auto files =
-        qdbus_cast<QList<QDBusUnixFileDescriptor>>(options.value(QStringLiteral("attachment_fds")));
+    const auto files = qdbus_cast<QList<QDBusUnixFileDescriptor>>(options.value(u"attachment_fds"_s));
     QFile file;
     if (files.size() != 1 || !file.open(files.first().fileDescriptor(), QIODevice::ReadOnly))
         return {};
     return file.readAll();
 }
 
-class SharePortalMailTests : public ShareBusTests, public ::testing::WithParamInterface<uint> {};
+} // namespace
 
-TEST_P(SharePortalMailTests, succeedsExactlyWhenThePortalSaysYes) {
-    QByteArray attached;
-    const SharePeer portal(
-        bus.peer(), QStringLiteral("org.freedesktop.portal.Desktop"), [&](const QDBusMessage& call) {
+TEST_F(ShareBusTests, mailSucceedsExactlyWhenThePortalSaysYes) {
+    constexpr uint goesAway = 99;
+    for (const uint answer : {0U, 1U, 2U, goesAway}) {
+        QByteArray attached;
+        SharePeer portal(bus.peer(), portalName, [&](const QDBusMessage& call) {
             attached = attachedBytes(call);
             const QString handle = portalHandle(call);
-            bus.peer().send(portalResponse(handle, GetParam())); // even before the reply
-            bus.peer().send(call.createReply(QVariant::fromValue(QDBusObjectPath(handle))));
+            QDBusMessage response =
+                QDBusMessage::createSignal(handle, u"org.freedesktop.portal.Request"_s, u"Response"_s);
+            response << answer << QVariantMap();
+            if (answer != goesAway)
+                send(response); // even before the reply
+            send(call.createReply(objectPath(handle)));
+            if (answer == goesAway)
+                QMetaObject::invokeMethod(
+                    qApp, [&portal] { portal.leave(); }, Qt::QueuedConnection);
         });
-    ShareMail mail(bus.client(), retention, {.xdgEmail = QStringLiteral("/nonexistent")});
-    mail.perform(QStringLiteral("mail"), picture(), note());
-    ASSERT_TRUE(ends());
-    EXPECT_EQ(outcomes, std::vector{GetParam() == 0});
-    EXPECT_EQ(attached, "picture bytes");
+        ShareMail mail(bus.client(), retention, {.xdgEmail = u"/nonexistent"_s});
+        EXPECT_EQ(share(mail, u"mail"_s), answer == 0) << answer;
+        EXPECT_EQ(attached, "picture bytes") << answer;
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(Answers, SharePortalMailTests, ::testing::Values(0U, 1U, 2U));
-
-TEST_F(ShareBusTests, mailFailsWhenThePortalGoesAwayBeforeItAnswers) {
-    SharePeer portal(
-        bus.peer(), QStringLiteral("org.freedesktop.portal.Desktop"), [&](const QDBusMessage& call) {
-            bus.peer().send(call.createReply(QVariant::fromValue(QDBusObjectPath(portalHandle(call)))));
-            QMetaObject::invokeMethod(
-                qApp, [&portal] { portal.leave(); }, Qt::QueuedConnection);
-        });
-    ShareMail mail(bus.client(), retention, {.xdgEmail = QStringLiteral("/nonexistent")});
-    mail.perform(QStringLiteral("mail"), picture(), note());
-    ASSERT_TRUE(ends());
-    EXPECT_EQ(outcomes, std::vector{false});
+TEST_F(ShareBusTests, mailFallsBackToTheCommandWithoutAPortal) {
+    const struct {
+        const char* name;
+        const char* script;
+        std::chrono::milliseconds patience;
+        bool shared;
+    } rows[] = {
+        {"succeeds", "exit 0", 1h, true},
+        {"noTool", "exit 3", 1h, false},
+        {"killed", "kill -9 $$", 1h, false},
+        {"mailProgramStaysOpen", "while [ -e \"$0\" ]; do sleep 0.01; done; exit 4", 1ms, true},
+    };
+    const SharePeer portal(bus.peer(), portalName, [&](const QDBusMessage& call) {
+        send(call.createErrorReply(QDBusError::UnknownInterface, {}));
+    });
+    const QString command = runtime.filePath(u"email"_s);
+    const QString words = runtime.filePath(u"words"_s);
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        QFile::remove(words);
+        writeFile(command,
+                  "#!/bin/sh\n[ -r \"$3\" ] && echo \"$*\" > '" + words.toUtf8() + "'\n" + row.script + "\n",
+                  true);
+        ShareMail mail(bus.client(), retention, {row.patience, command});
+        EXPECT_EQ(share(mail, u"mail"_s), row.shared);
+        ASSERT_TRUE(waitUntil([&] { return !readFile(words).isEmpty(); }));
+        EXPECT_EQ(readFile(words).trimmed(), "--utf8 --attach " + path.toUtf8());
+    }
+    ShareMail mail(bus.client(), retention, {.xdgEmail = u"/nonexistent"_s});
+    EXPECT_EQ(share(mail, u"mail"_s), false) << "neither portal nor command";
 }
 
-struct MailCommandCase {
-    const char* name;
-    const char* script;
-    std::chrono::milliseconds patience;
-    bool shared;
-};
-
-class ShareMailCommandTests : public ShareBusTests, public ::testing::WithParamInterface<MailCommandCase> {};
-
-TEST_P(ShareMailCommandTests, fallsBackToTheCommandWithoutAPortal) {
-    const QString command = runtime.filePath(QStringLiteral("email"));
-    const QString words = runtime.filePath(QStringLiteral("words"));
-    ShareTestBus::writeFile(command, QStringLiteral("#!/bin/sh\n[ -r \"$3\" ] && echo \"$*\" > '%1'\n%2\n")
-                                         .arg(words, QString::fromUtf8(GetParam().script)));
-    QFile::setPermissions(command, QFile::ReadOwner | QFile::ExeOwner);
-    const SharePeer portal(bus.peer(), QStringLiteral("org.freedesktop.portal.Desktop"),
-                           [&](const QDBusMessage& call) {
-                               bus.peer().send(call.createErrorReply(QDBusError::UnknownInterface, {}));
-                           });
-    ShareMail mail(bus.client(), retention, {GetParam().patience, command});
-    const auto file = picture();
-    mail.perform(QStringLiteral("mail"), file, note());
-    ASSERT_TRUE(ends());
-    EXPECT_EQ(outcomes, std::vector{GetParam().shared});
-    ASSERT_TRUE(waitUntil([&] { return QFileInfo(words).size() > 0; }));
-    QFile used(words);
-    ASSERT_TRUE(used.open(QIODevice::ReadOnly));
-    EXPECT_EQ(QString::fromUtf8(used.readAll()).trimmed(), QStringLiteral("--utf8 --attach ") + file->path());
-}
-
-INSTANTIATE_TEST_SUITE_P(Commands, ShareMailCommandTests,
-                         ::testing::Values(MailCommandCase{"succeeds", "exit 0", std::chrono::hours(1), true},
-                                           MailCommandCase{"noTool", "exit 3", std::chrono::hours(1), false},
-                                           MailCommandCase{"killed", "kill -9 $$", std::chrono::hours(1),
-                                                           false},
-                                           MailCommandCase{"mailProgramStaysOpen",
-                                                           "while [ -e \"$0\" ]; do sleep 0.01; done; exit 4",
-                                                           std::chrono::milliseconds(1), true}),
-                         [](const auto& entry) { return std::string(entry.param.name); });
-
-TEST_F(ShareBusTests, mailFailsWithoutPortalAndCommand) {
-    ShareMail mail(bus.client(), retention, {.xdgEmail = QStringLiteral("/nonexistent")});
-    const auto file = picture();
-    const QString path = file->path();
-    mail.perform(QStringLiteral("mail"), file, note());
-    EXPECT_TRUE(outcomes.empty());
-    ASSERT_TRUE(ends());
-    EXPECT_EQ(outcomes, std::vector{false});
-}
-
-// Bluetooth
+namespace {
 
 using Interfaces = QMap<QString, QVariantMap>;
 
-QVariantMap phone(bool paired, const QString& profile, const QString& adapter) {
-    return {{QStringLiteral("Alias"), QStringLiteral("Phone & Co")},
-            {QStringLiteral("Address"), QStringLiteral("AA:BB")},
-            {QStringLiteral("Paired"), paired},
-            {QStringLiteral("UUIDs"), QStringList{profile}},
-            {QStringLiteral("Adapter"), QVariant::fromValue(QDBusObjectPath(adapter))}};
-}
-
 QMap<QDBusObjectPath, Interfaces> bluetoothObjects() {
-    const QString push = QStringLiteral("00001105-0000-1000-8000-00805f9b34fb");
-    const QString audio = QStringLiteral("0000110b-0000-1000-8000-00805f9b34fb");
-    const QString device = QStringLiteral("org.bluez.Device1");
+    const QString push = u"00001105-0000-1000-8000-00805f9b34fb"_s;
+    const QString audio = u"0000110b-0000-1000-8000-00805f9b34fb"_s;
+    const QString on = u"/org/bluez/hci0"_s;
+    const QString off = u"/org/bluez/hci1"_s;
     const auto adapter = [](bool powered) {
-        return Interfaces{
-            {QStringLiteral("org.bluez.Adapter1"),
-             {{QStringLiteral("Powered"), powered}, {QStringLiteral("Address"), QStringLiteral("00:11")}}}};
+        return Interfaces{{u"org.bluez.Adapter1"_s, {{u"Powered"_s, powered}, {u"Address"_s, u"00:11"_s}}}};
     };
-    const QString on = QStringLiteral("/org/bluez/hci0");
-    const QString off = QStringLiteral("/org/bluez/hci1");
+    const auto device = [](bool paired, const QString& profile, const QString& through) {
+        return Interfaces{{u"org.bluez.Device1"_s,
+                           {{u"Alias"_s, u"Phone & Co"_s},
+                            {u"Address"_s, u"AA:BB"_s},
+                            {u"Paired"_s, paired},
+                            {u"UUIDs"_s, QStringList{profile}},
+                            {u"Adapter"_s, objectPath(through)}}}};
+    };
     return {{QDBusObjectPath(on), adapter(true)},
             {QDBusObjectPath(off), adapter(false)},
-            {QDBusObjectPath(on + QStringLiteral("/phone")), {{device, phone(true, push, on)}}},
-            {QDBusObjectPath(on + QStringLiteral("/stranger")), {{device, phone(false, push, on)}}},
-            {QDBusObjectPath(on + QStringLiteral("/speaker")), {{device, phone(true, audio, on)}}},
-            {QDBusObjectPath(off + QStringLiteral("/phone")), {{device, phone(true, push, off)}}}};
+            {QDBusObjectPath(on + u"/phone"_s), device(true, push, on)},
+            {QDBusObjectPath(on + u"/stranger"_s), device(false, push, on)},
+            {QDBusObjectPath(on + u"/speaker"_s), device(true, audio, on)},
+            {QDBusObjectPath(off + u"/phone"_s), device(true, push, off)}};
 }
 
-struct ObexCase {
-    const char* name;
-    /// What happens after the transfer has begun.
-    const char* status;
-    bool beforeReply;
-    bool shared;
-};
+} // namespace
 
-class ShareBluetoothTests : public ShareBusTests, public ::testing::WithParamInterface<ObexCase> {
-protected:
-    void answerSender(const QDBusMessage& call) {
-        calls << call.member();
-        if (call.member() == QLatin1String("CreateSession")) {
-            const QVariantMap options = qdbus_cast<QVariantMap>(call.arguments().at(1));
-            EXPECT_EQ(call.arguments().at(0).toString(), QLatin1String("AA:BB"));
-            EXPECT_EQ(options.value(QStringLiteral("Source")).toString(), QLatin1String("00:11"));
-            bus.peer().send(
-                call.createReply(QVariant::fromValue(QDBusObjectPath(QStringLiteral("/session")))));
-            return;
-        }
-        if (call.member() != QLatin1String("SendFile"))
-            return;
-        QDBusMessage changed = QDBusMessage::createSignal(QStringLiteral("/session/transfer"),
-                                                          QStringLiteral("org.freedesktop.DBus.Properties"),
-                                                          QStringLiteral("PropertiesChanged"));
-        changed << QStringLiteral("org.bluez.obex.Transfer1")
-                << QVariantMap{{QStringLiteral("Status"), QString::fromLatin1(GetParam().status)}}
-                << QStringList();
-        if (GetParam().beforeReply)
-            bus.peer().send(changed);
-        bus.peer().send(
-            call.createReply({QVariant::fromValue(QDBusObjectPath(QStringLiteral("/session/transfer"))),
-                              QVariantMap{{QStringLiteral("Status"), QStringLiteral("queued")}}}));
-        if (!GetParam().beforeReply)
-            bus.peer().send(changed);
-    }
-
+TEST_F(ShareBusTests, bluetoothOffersReachableDevicesAndReportsTheTransfersEnd) {
+    struct Row {
+        const char* name;
+        const char* status;
+        bool beforeReply;
+        bool shared;
+    };
+    Row row{};
     QStringList calls;
-};
-
-TEST_P(ShareBluetoothTests, offersOnlyReachableDevicesAndReportsTheTransfersEnd) {
+    const auto answer = [&](const QDBusMessage& call) {
+        calls << call.member();
+        if (call.member() == "GetManagedObjects"_L1) {
+            send(call.createReply(QVariant::fromValue(bluetoothObjects())));
+        } else if (call.member() == "CreateSession"_L1) {
+            const QVariantMap options = qdbus_cast<QVariantMap>(call.arguments().at(1));
+            EXPECT_EQ(call.arguments().at(0), u"AA:BB"_s);
+            EXPECT_EQ(options.value(u"Source"_s), u"00:11"_s);
+            send(call.createReply(objectPath(u"/session"_s)));
+        } else if (call.member() == "SendFile"_L1) {
+            QDBusMessage changed = QDBusMessage::createSignal(
+                u"/session/transfer"_s, u"org.freedesktop.DBus.Properties"_s, u"PropertiesChanged"_s);
+            changed << u"org.bluez.obex.Transfer1"_s
+                    << QVariantMap{{u"Status"_s, QString::fromLatin1(row.status)}} << QStringList();
+            if (row.beforeReply)
+                send(changed);
+            send(call.createReply(
+                {objectPath(u"/session/transfer"_s), QVariantMap{{u"Status"_s, u"queued"_s}}}));
+            if (!row.beforeReply)
+                send(changed);
+        }
+    };
     ShareBluetooth bluetooth(bus.client(), bus.client());
-    const SharePeer peer(bus.peer(), QStringLiteral("org.bluez"), [&](const QDBusMessage& call) {
-        if (call.member() == QLatin1String("GetManagedObjects"))
-            bus.peer().send(call.createReply(QVariant::fromValue(bluetoothObjects())));
-        else
-            answerSender(call);
-    });
-    ASSERT_TRUE(bus.peer().registerService(QStringLiteral("org.bluez.obex")));
+    bluetooth.refresh();
+    EXPECT_EQ(share(bluetooth, u"/gone"_s), false) << "there is no service at all";
+    EXPECT_TRUE(bluetooth.services().empty());
+
+    const SharePeer peer(bus.peer(), u"org.bluez"_s, answer);
+    ASSERT_TRUE(bus.peer().registerService(u"org.bluez.obex"_s));
     bluetooth.refresh();
     ASSERT_TRUE(waitUntil([&] {
         const auto services = bluetooth.services();
@@ -232,59 +191,23 @@ TEST_P(ShareBluetoothTests, offersOnlyReachableDevicesAndReportsTheTransfersEnd)
     }));
     const auto services = bluetooth.services();
     ASSERT_EQ(services.size(), 1U);
-    EXPECT_EQ(services.front().menuTitle, QStringLiteral("Bluetooth: Phone & Co"));
-
-    auto file = picture();
-    const QString path = file->path();
-    bluetooth.perform(services.front().identifier, std::move(file), note());
-    ASSERT_TRUE(ends());
-    EXPECT_EQ(outcomes, std::vector{GetParam().shared});
-    EXPECT_TRUE(waitUntil([&] { return calls.contains(QStringLiteral("RemoveSession")); }));
-    EXPECT_TRUE(waitUntil([&] { return !QFileInfo::exists(path); }));
+    EXPECT_EQ(services.front().menuTitle, u"Bluetooth: Phone & Co"_s);
+    for (const Row& each : {Row{"completes", "complete", false, true},
+                            {"beforeTheReply", "complete", true, true},
+                            {"refusedByTheDevice", "error", false, false}}) {
+        SCOPED_TRACE(each.name);
+        row = each;
+        calls.clear();
+        EXPECT_EQ(share(bluetooth, services.front().identifier), row.shared);
+        EXPECT_TRUE(waitUntil([&] { return calls.contains(u"RemoveSession"_s); }));
+        EXPECT_TRUE(waitUntil([&] { return !QFileInfo::exists(path); }));
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(Transfers, ShareBluetoothTests,
-                         ::testing::Values(ObexCase{"completes", "complete", false, true},
-                                           ObexCase{"completesBeforeTheReply", "complete", true, true},
-                                           ObexCase{"refusedByTheDevice", "error", false, false}),
-                         [](const auto& entry) { return std::string(entry.param.name); });
-
-TEST_F(ShareBusTests, noBluetoothServiceMeansNoDevices) {
-    ShareBluetooth bluetooth(bus.client(), bus.client());
-    bluetooth.refresh();
-    bluetooth.perform(QStringLiteral("/gone"), picture(), note());
-    ASSERT_TRUE(ends());
-    EXPECT_TRUE(bluetooth.services().empty());
-    EXPECT_EQ(outcomes, std::vector{false});
-}
-
-// Linked devices
-
-TEST_F(ShareBusTests, linkedDevicesAreListedAndTold) {
-    QString address;
-    const SharePeer daemon(bus.peer(), QStringLiteral("org.kde.kdeconnect"), [&](const QDBusMessage& call) {
-        if (call.member() == QLatin1String("deviceNames")) {
-            const QMap<QString, QString> names{{QStringLiteral("ab_1"), QStringLiteral("Tablet")}};
-            bus.peer().send(call.createReply(QVariant::fromValue(names)));
-        } else if (call.path().endsWith(QLatin1String("/devices/ab_1/share"))) {
-            address = call.arguments().first().toString();
-            bus.peer().send(call.createReply());
-        } else {
-            bus.peer().send(call.createErrorReply(QDBusError::UnknownObject, {}));
-        }
+TEST_F(ShareBusTests, aLinkedDeviceThatIsGoneIsNotSharedWith) {
+    const SharePeer daemon(bus.peer(), u"org.kde.kdeconnect"_s, [&](const QDBusMessage& call) {
+        send(call.createErrorReply(QDBusError::UnknownObject, {}));
     });
     ShareLinkedDevices devices(bus.client(), retention);
-    devices.refresh();
-    ASSERT_TRUE(waitUntil([&] { return !devices.services().empty(); }));
-    EXPECT_EQ(devices.services().front().menuTitle, QStringLiteral("Tablet"));
-
-    const auto file = picture();
-    devices.perform(QStringLiteral("ab_1"), file, note());
-    ASSERT_TRUE(ends());
-    EXPECT_EQ(address, QStringLiteral("file://") + file->path());
-    devices.perform(QStringLiteral("cd_2"), file, note());
-    ASSERT_TRUE(waitUntil([this] { return outcomes.size() == 2; }));
-    EXPECT_EQ(outcomes, (std::vector{true, false}));
+    EXPECT_EQ(share(devices, u"cd_2"_s), false);
 }
-
-} // namespace

@@ -1,27 +1,11 @@
 #pragma once
 
+#include "Desktop/Fixture/Waiting.h"
+#include "Support/TestFiles.h"
 #include "VistrelPlatform/SharePeer.h"
 
-#include <QCoreApplication>
-#include <QDBusConnection>
-#include <QDBusMessage>
-#include <QDeadlineTimer>
-#include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
-#include <QThread>
-
-#include <functional>
-
-/// Runs the event loop until `done`; false after a time that no healthy machine needs.
-inline bool waitUntil(const std::function<bool()>& done) {
-    const QDeadlineTimer deadline(60000);
-    while (!done() && !deadline.hasExpired()) {
-        QCoreApplication::processEvents();
-        QThread::msleep(1);
-    }
-    return done();
-}
 
 /// A message bus of its own for one test, with a connection for the code under test and one for its peers.
 class ShareTestBus {
@@ -34,10 +18,11 @@ public:
                                  "<allow send_destination=\"*\" eavesdrop=\"true\"/>"
                                  "<allow eavesdrop=\"true\"/><allow own=\"*\"/>"
                                  "</policy></busconfig>")
-                      .arg(folder.path()));
-        for (const char* name : {"org.bluez.obex", "org.freedesktop.portal.Desktop"})
-            writeFile(folder.filePath(QString::fromLatin1(name) + QStringLiteral(".service")),
-                      QStringLiteral("[D-BUS Service]\nName=%1\nExec=/bin/false\n").arg(QLatin1String(name)));
+                      .arg(folder.path())
+                      .toUtf8());
+        for (const QByteArray name : {"org.bluez.obex", "org.freedesktop.portal.Desktop"})
+            writeFile(folder.filePath(QString::fromLatin1(name + ".service")),
+                      "[D-BUS Service]\nName=" + name + "\nExec=/bin/false\n");
         daemon.start(QStringLiteral("dbus-daemon"),
                      {QStringLiteral("--nofork"), QStringLiteral("--print-address"),
                       QStringLiteral("--config-file=") + configuration});
@@ -55,12 +40,6 @@ public:
 
     QDBusConnection client() const { return QDBusConnection(QStringLiteral("client")); }
     QDBusConnection peer() const { return QDBusConnection(QStringLiteral("peer")); }
-
-    static void writeFile(const QString& path, const QString& text) {
-        QFile file(path);
-        if (file.open(QIODevice::WriteOnly))
-            file.write(text.toUtf8());
-    }
 
 private:
     QTemporaryDir folder;

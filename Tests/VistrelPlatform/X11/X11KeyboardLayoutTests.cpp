@@ -1,60 +1,42 @@
 #include "VistrelPlatform/X11/X11KeyboardLayout.h"
 
-#include "Desktop/Fixture/Waiting.h"
 #include "VistrelPlatform/X11/X11TestSession.h"
 
 #include <gtest/gtest.h>
 
-namespace {
+using namespace Qt::StringLiterals;
 
-constexpr KeyCode aKey = 0;
-constexpr KeyCode fKey = 3;
-constexpr KeyCode qKey = 12;
-constexpr KeyCode yKey = 16;
-constexpr KeyCode nineKey = 25;
-constexpr KeyCode keypadNine = 92;
-
-class X11KeyboardLayoutTest : public ::testing::Test {
-protected:
-    ~X11KeyboardLayoutTest() override { use("us"); }
-
-    /// Returns when the layout has followed: every one used here has something else on this key.
-    void use(const char* layouts) {
-        const QString before = keyboard.textOf(aKey) + keyboard.textOf(nineKey) + keyboard.textOf(yKey);
-        const auto program = testSession().start(QStringLiteral("setxkbmap"),
-                                                 {QStringLiteral("-layout"), QLatin1String(layouts)});
+TEST(X11KeyboardLayout, FollowsTheUsersLayout) {
+    constexpr KeyCode aKey = 0;
+    constexpr KeyCode qKey = 12;
+    constexpr KeyCode yKey = 16;
+    constexpr KeyCode nineKey = 25;
+    const X11KeyboardLayout keyboard;
+    const struct {
+        const char* layouts;
+        const char* texts; // of A, 9 and Y
+        char32_t character;
+        std::optional<TypingKey> typing;
+    } rows[] = {
+        {"us", "a9y", U'(', TypingKey{nineKey, true}},
+        {"fr", "qçy", U'9', TypingKey{nineKey, true}},
+        {"fr", "qçy", U'a', TypingKey{qKey, false}},
+        {"de", "a9z", U'z', TypingKey{yKey, false}},
+        {"ru,us", "ф9н", U'ф', TypingKey{aKey, false}},
+        {"ru,us", "ф9н", U'f', TypingKey{3, false}}, // of the second group
+        {"ru,us", "ф9н", U'€', {}},
+        {"us", "a9y", U'a', TypingKey{aKey, false}},
+    };
+    for (const auto& row : rows) {
+        const auto program =
+            testSession().start(u"setxkbmap"_s, {u"-layout"_s, QString::fromLatin1(row.layouts)});
         ASSERT_EQ(program->waitForExit(patience), 0) << program->standardError().constData();
-        const auto now = [&] {
-            return keyboard.textOf(aKey) + keyboard.textOf(nineKey) + keyboard.textOf(yKey);
-        };
-        ASSERT_TRUE(waitUntil([&] { return now() != before; })) << layouts;
+        EXPECT_TRUE(waitUntil([&] {
+            return keyboard.textOf(aKey) + keyboard.textOf(nineKey) + keyboard.textOf(yKey) ==
+                   QString::fromUtf8(row.texts);
+        })) << row.texts;
+        EXPECT_EQ(keyboard.keyTyping(row.character), row.typing) << row.texts;
     }
-
-    X11KeyboardLayout keyboard;
-};
-
-TEST_F(X11KeyboardLayoutTest, FollowsTheUsersLayout) {
-    EXPECT_EQ(keyboard.textOf(nineKey), QStringLiteral("9"));
-    EXPECT_EQ(keyboard.keyTyping(U'('), (TypingKey{nineKey, true}));
     EXPECT_EQ(keyboard.textOf(122), QString()) << "F1 types nothing";
-    EXPECT_EQ(keyboard.textOf(keypadNine), QString());
-
-    use("fr");
-    EXPECT_EQ(keyboard.textOf(nineKey), QStringLiteral("ç"));
-    EXPECT_EQ(keyboard.keyTyping(U'9'), (TypingKey{nineKey, true}));
-    EXPECT_EQ(keyboard.keyTyping(U'a'), (TypingKey{qKey, false}));
-
-    use("de");
-    EXPECT_EQ(keyboard.keyTyping(U'z'), (TypingKey{yKey, false}));
-    EXPECT_EQ(keyboard.textOf(yKey), QStringLiteral("z"));
+    EXPECT_EQ(keyboard.textOf(92), QString()) << "the keypad's 9 is no letter key";
 }
-
-TEST_F(X11KeyboardLayoutTest, TheActiveGroupTypesAndTheOthersAreStillFound) {
-    use("ru,us");
-    EXPECT_EQ(keyboard.textOf(aKey), QStringLiteral("ф"));
-    EXPECT_EQ(keyboard.keyTyping(U'ф'), (TypingKey{aKey, false}));
-    EXPECT_EQ(keyboard.keyTyping(U'f'), (TypingKey{fKey, false})) << "of the second group";
-    EXPECT_EQ(keyboard.keyTyping(U'€'), std::nullopt);
-}
-
-} // namespace

@@ -1,20 +1,19 @@
 #include "VistrelPlatform/X11/X11OverlayWindows.h"
 
-#include "Desktop/Fixture/Waiting.h"
 #include "VistrelPlatform/X11/X11ScreenCapturer.h"
 #include "VistrelPlatform/X11/X11ScreenList.h"
 #include "VistrelPlatform/X11/X11TestPictures.h"
 #include "VistrelPlatform/X11/X11TestSession.h"
 
 #include <QDialog>
-#include <QGuiApplication>
 #include <QKeyEvent>
-#include <QScreen>
 #include <QWindow>
 
 #include <gtest/gtest.h>
 
 namespace {
+
+constexpr QRgb paint = qRgb(10, 200, 30);
 
 /// Paints one colour and remembers what was typed.
 class TestOverlay : public QWidget {
@@ -28,7 +27,7 @@ public:
 protected:
     void paintEvent(QPaintEvent*) override {
         ++paints;
-        QPainter(this).fillRect(rect(), QColor(10, 200, 30));
+        QPainter(this).fillRect(rect(), QColor(paint));
     }
     void keyPressEvent(QKeyEvent* event) override { typed += event->text(); }
 };
@@ -61,18 +60,20 @@ protected:
         for (const auto& window : windows)
             overlays.show(*window);
     }
-
     xcb_window_t id(std::size_t index) { return windowID(*windows[index]); }
-    std::optional<std::size_t> level(xcb_window_t window) {
+    bool isAbove(xcb_window_t upper, xcb_window_t lower) {
         const auto mapped = client.mappedWindows();
-        const auto found = std::ranges::find(mapped, window, &MappedWindow::id);
-        if (found == mapped.end())
-            return std::nullopt;
-        return static_cast<std::size_t>(found - mapped.begin());
+        const auto found = std::ranges::find(mapped, lower, &MappedWindow::id);
+        return std::ranges::find(found, mapped.end(), upper, &MappedWindow::id) != mapped.end();
     }
-    bool isAbove(xcb_window_t upper, xcb_window_t lower) { return level(upper) > level(lower); }
-    void handleEvents() {
-        waitUntil([] { return false; }, std::chrono::milliseconds(100));
+    xcb_window_t openWindow(QRect rect) {
+        const xcb_window_t window = client.createWindow({.rect = rect});
+        client.map(window);
+        return window;
+    }
+    void focus(xcb_window_t window) {
+        xcb_set_input_focus(client.connection(), XCB_INPUT_FOCUS_PARENT, window, XCB_CURRENT_TIME);
+        client.synchronize();
     }
 
     const QRect left{0, 0, 1000, 700};
@@ -87,123 +88,80 @@ protected:
     std::vector<std::unique_ptr<TestOverlay>> windows;
 };
 
+} // namespace
+
 TEST_F(X11OverlayWindowsTest, TheFirstFrameIsTheDimmedPictureOnExactlyTheDisplay) {
     showFrozen();
     // No event was handled yet: the toolkit has painted nothing.
     EXPECT_EQ(windows[0]->paints, 0);
     EXPECT_EQ(client.pixels(left), hazed(background.copy(left)));
     EXPECT_EQ(client.pixels(right), hazed(background.copy(right)));
-    ASSERT_TRUE(waitUntil([&] { return client.pixelAt(right.bottomRight()) == qRgb(10, 200, 30); }));
-    handleEvents();
+    ASSERT_TRUE(waitUntil([&] { return client.pixelAt(right.bottomRight()) == paint; }));
+    settle();
     for (const MappedWindow& window : client.mappedWindows()) {
         EXPECT_TRUE(window.overrideRedirect);
         EXPECT_EQ(window.rect, window.id == id(0) ? left : right);
     }
     QImage painted(right.size(), QImage::Format_RGB32);
-    painted.fill(qRgb(10, 200, 30));
+    painted.fill(paint);
     EXPECT_EQ(client.pixels(right), painted);
     // Only the overlays' own monitors are covered.
     EXPECT_EQ(client.pixelAt({999, 750}), background.pixel(999, 750));
-}
 
-TEST_F(X11OverlayWindowsTest, UncoveredPartsKeepWhatWasPainted) {
-    showFrozen();
-    ASSERT_TRUE(waitUntil([&] { return client.pixelAt({500, 300}) == qRgb(10, 200, 30); }));
-    handleEvents();
-    const xcb_window_t other = client.createWindow({.rect = left});
-    client.map(other);
-    client.destroy(other);
-    // The toolkit repaints later; until then nothing dimmed flashes up.
+    // The toolkit repaints what was covered later; until then nothing dimmed flashes up.
+    client.destroy(openWindow(left));
     EXPECT_NE(client.pixelAt({500, 300}), hazed(background).pixel(500, 300));
-}
 
-TEST_F(X11OverlayWindowsTest, WithoutAPictureTheBackgroundIsPlain) {
-    overlays.setFrozenPicture(*windows[0], nullptr);
-    overlays.show(*windows[0]);
-    EXPECT_EQ(client.pixelAt({500, 300}), 0xFF4D4D4DU);
     overlays.hide(*windows[0]);
     EXPECT_EQ(client.pixels(left), background.copy(left));
+    overlays.setFrozenPicture(*windows[0], nullptr);
+    overlays.show(*windows[0]);
+    EXPECT_EQ(client.pixelAt({500, 300}), 0xFF4D4D4DU) << "plain without a picture";
 }
 
-TEST_F(X11OverlayWindowsTest, StaysAboveWindowsThatComeLater) {
+TEST_F(X11OverlayWindowsTest, StaysAboveWindowsThatComeLaterUnlessTheyCoverAll) {
     showFrozen();
-    handleEvents();
+    settle();
     QWidget popup(nullptr, Qt::ToolTip | Qt::X11BypassWindowManagerHint);
     popup.setGeometry(100, 100, 80, 60);
     popup.show();
-    handleEvents();
-    const auto popupID = windowID(popup);
-
-    const xcb_window_t panel = client.createWindow({.rect = {0, 600, 1000, 100}});
-    client.map(panel);
+    settle();
+    const xcb_window_t panel = openWindow({0, 600, 1000, 100});
     EXPECT_TRUE(waitUntil([&] { return isAbove(id(0), panel); }));
     // What is ours and was over the overlay is so again.
-    EXPECT_TRUE(isAbove(popupID, id(0)));
+    EXPECT_TRUE(isAbove(windowID(popup), id(0)));
 
     overlays.setLevel(*windows[0], OverlayLevel::belowDialogs);
     const std::uint32_t above = XCB_STACK_MODE_ABOVE;
     xcb_configure_window(client.connection(), panel, XCB_CONFIG_WINDOW_STACK_MODE, &above);
     client.synchronize();
-    handleEvents();
+    settle();
     EXPECT_TRUE(isAbove(panel, id(0)));
     overlays.setLevel(*windows[0], OverlayLevel::aboveEverything);
     EXPECT_TRUE(waitUntil([&] { return isAbove(id(0), panel); }));
     client.destroy(panel);
-}
 
-TEST_F(X11OverlayWindowsTest, AWindowThatCoversAllKeepsItsPlace) {
-    showFrozen();
-    handleEvents();
-    const xcb_window_t locker = client.createWindow({.rect = QRect(QPoint(0, 0), testScreenSize)});
-    client.map(locker);
-    handleEvents();
-    EXPECT_TRUE(isAbove(locker, id(0)));
-    EXPECT_TRUE(isAbove(locker, id(1)));
+    const xcb_window_t locker = openWindow(QRect(QPoint(0, 0), testScreenSize));
+    settle();
+    EXPECT_TRUE(isAbove(locker, id(0)) && isAbove(locker, id(1)));
     client.destroy(locker);
 }
 
 TEST_F(X11OverlayWindowsTest, TakesTheKeyboardAndTakesItBack) {
-    const xcb_window_t other = client.createWindow({.rect = {1100, 100, 200, 100}});
-    client.map(other);
-    xcb_set_input_focus(client.connection(), XCB_INPUT_FOCUS_PARENT, other, XCB_CURRENT_TIME);
-    client.synchronize();
-    input.key(56);
+    const xcb_window_t other = openWindow({1100, 100, 200, 100});
+    focus(other);
+    ASSERT_TRUE(client.grabKeyboard());
     showFrozen();
     EXPECT_FALSE(overlays.hasKeyboardFocus(*windows[0]));
     overlays.takeFocus(*windows[0]);
-    EXPECT_TRUE(overlays.hasKeyboardFocus(*windows[0]));
     EXPECT_EQ(client.focusedWindow(), id(0));
     EXPECT_TRUE(waitUntil([&] { return windows[0]->isActiveWindow(); }));
-
-    xcb_set_input_focus(client.connection(), XCB_INPUT_FOCUS_PARENT, other, XCB_CURRENT_TIME);
-    client.synchronize();
+    client.ungrabKeyboard();
+    focus(other);
     EXPECT_TRUE(waitUntil([&] { return overlays.hasKeyboardFocus(*windows[0]); }));
     input.type(QStringLiteral("a"));
     EXPECT_TRUE(waitUntil([&] { return windows[0]->typed == QLatin1String("a"); }));
 
-    overlays.hide(*windows[0]);
-    handleEvents();
-    xcb_set_input_focus(client.connection(), XCB_INPUT_FOCUS_PARENT, other, XCB_CURRENT_TIME);
-    client.synchronize();
-    handleEvents();
-    EXPECT_EQ(client.focusedWindow(), other);
-    client.destroy(other);
-}
-
-TEST_F(X11OverlayWindowsTest, GetsTheKeysOnceAnotherProgramLetsGoOfThem) {
-    ASSERT_TRUE(client.grabKeyboard());
-    showFrozen();
-    overlays.takeFocus(*windows[1]);
-    handleEvents();
-    client.ungrabKeyboard();
-    handleEvents();
-    input.type(QStringLiteral("b"));
-    EXPECT_TRUE(waitUntil([&] { return windows[1]->typed == QLatin1String("b"); }));
-}
-
-TEST_F(X11OverlayWindowsTest, DialogsComeAboveLoweredOverlaysWithTheKeyboard) {
-    showFrozen();
-    overlays.takeFocus(*windows[0]);
     overlays.setLevel(*windows[0], OverlayLevel::belowDialogs);
     QDialog dialog(windows[0].get());
     dialog.resize(300, 200);
@@ -214,9 +172,11 @@ TEST_F(X11OverlayWindowsTest, DialogsComeAboveLoweredOverlaysWithTheKeyboard) {
     EXPECT_TRUE(isAbove(dialogID, id(0)));
     EXPECT_TRUE(left.contains(dialog.geometry()));
     dialog.hide();
-    overlays.setLevel(*windows[0], OverlayLevel::aboveEverything);
-    overlays.takeFocus(*windows[0]);
-    EXPECT_TRUE(overlays.hasKeyboardFocus(*windows[0]));
-}
 
-} // namespace
+    overlays.hide(*windows[0]);
+    settle();
+    focus(other);
+    settle();
+    EXPECT_EQ(client.focusedWindow(), other) << "it is not ours any more";
+    client.destroy(other);
+}

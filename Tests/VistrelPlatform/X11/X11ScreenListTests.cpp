@@ -1,6 +1,5 @@
 #include "VistrelPlatform/X11/X11ScreenList.h"
 
-#include "Desktop/Fixture/Waiting.h"
 #include "VistrelPlatform/X11/X11TestSession.h"
 
 #include <QGuiApplication>
@@ -8,27 +7,24 @@
 
 #include <gtest/gtest.h>
 
-namespace {
-
-struct LayoutCase {
-    const char* name;
-    std::vector<MonitorSetup> monitors;
-    std::vector<double> scales;
-};
-
-// A monitor's name decides its scale here.
-const std::vector<LayoutCase> layoutCases = {
-    {"single", {{QStringLiteral("one"), {0, 0, 1920, 1080}}}, {1}},
-    {"quarterSteps",
-     {{QStringLiteral("oneQuarter"), {0, 0, 1000, 700}}, {QStringLiteral("two"), {1000, 0, 1400, 1050}}},
-     {1.25, 2}},
-    {"widthThatPointsCannotExpress",
-     {{QStringLiteral("one"), {1366, 100, 1000, 800}}, {QStringLiteral("oneHalf"), {0, 0, 1366, 768}}},
-     {1, 1.5}},
-};
+using namespace Qt::StringLiterals;
 
 TEST(X11ScreenList, TellsNativeRectanglesScalesAndNumbers) {
-    for (const LayoutCase& row : layoutCases) {
+    // A monitor's name decides its scale here.
+    const struct {
+        const char* name;
+        std::vector<MonitorSetup> monitors;
+        std::vector<double> scales;
+    } rows[] = {
+        {"single", {{u"one"_s, {0, 0, 1920, 1080}}}, {1}},
+        {"quarterSteps",
+         {{u"oneQuarter"_s, {0, 0, 1000, 700}}, {u"two"_s, {1000, 0, 1400, 1050}}},
+         {1.25, 2}},
+        {"widthThatPointsCannotExpress",
+         {{u"one"_s, {1366, 100, 1000, 800}}, {u"oneHalf"_s, {0, 0, 1366, 768}}},
+         {1, 1.5}},
+    };
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         useMonitors(row.monitors);
         const X11ScreenList list;
@@ -45,35 +41,29 @@ TEST(X11ScreenList, TellsNativeRectanglesScalesAndNumbers) {
             ASSERT_NE(list.toolkitScreen(screen), nullptr);
             EXPECT_EQ(list.toolkitScreen(screen)->name(), monitor.name);
         }
+        testSession().input().movePointer({1777, 333});
+        EXPECT_EQ(list.pointerPosition(), QPoint(1777, 333)) << "in device pixels";
     }
 }
 
 TEST(X11ScreenList, AnnouncesEachSettledChangeOnce) {
-    useMonitors({{QStringLiteral("one"), {0, 0, 1000, 700}}});
+    const MonitorSetup one{u"one"_s, {0, 0, 1000, 700}};
+    const MonitorSetup two{u"two"_s, {1000, 0, 800, 600}};
+    useMonitors({one});
     X11ScreenList list;
     int changes = 0;
     QObject::connect(&list, &ScreenList::changed, &list, [&] { ++changes; });
-    const auto settles = [&](int expected) {
+    const auto settlesWith = [&](std::size_t screens) {
+        const int expected = changes + 1;
         EXPECT_TRUE(waitUntil([&] { return changes == expected; }));
         // Longer than the quiet time: a second announcement would come in it.
         waitUntil([&] { return changes > expected; }, std::chrono::milliseconds(300));
-        return changes == expected;
+        EXPECT_EQ(changes, expected);
+        EXPECT_EQ(list.screens().size(), screens);
     };
-    testSession().client().setMonitors(
-        {{QStringLiteral("one"), {0, 0, 1000, 700}}, {QStringLiteral("two"), {1000, 0, 800, 600}}});
-    EXPECT_TRUE(settles(1));
-    EXPECT_EQ(list.screens().size(), 2U);
-    testSession().client().removeMonitor(QStringLiteral("two"));
-    EXPECT_TRUE(settles(2));
-    EXPECT_EQ(list.screens().size(), 1U);
-    EXPECT_EQ(list.toolkitScreen({.name = QStringLiteral("two"), .displayID = {}, .nativeRect = {}}),
-              nullptr);
+    testSession().client().setMonitors({one, two});
+    settlesWith(2);
+    testSession().client().removeMonitor(two.name);
+    settlesWith(1);
+    EXPECT_EQ(list.toolkitScreen({.name = two.name, .displayID = {}, .nativeRect = {}}), nullptr);
 }
-
-TEST(X11ScreenList, TellsThePointerInDevicePixels) {
-    const X11ScreenList list;
-    testSession().input().movePointer({1777, 333});
-    EXPECT_EQ(list.pointerPosition(), QPoint(1777, 333));
-}
-
-} // namespace

@@ -1,21 +1,8 @@
 #pragma once
 
-#include <QImage>
-#include <QPainter>
+#include "Desktop/Fixture/Noise.h"
 
-/// Every pixel differs from its neighbours, and `seed` from other pictures.
-inline QImage noise(QSize size, std::uint32_t seed) {
-    QImage image(size, QImage::Format_RGB32);
-    std::uint32_t state = seed * 2654435761U + 1;
-    for (int y = 0; y < size.height(); ++y) {
-        auto* row = reinterpret_cast<QRgb*>(image.scanLine(y));
-        for (int x = 0; x < size.width(); ++x) {
-            state = state * 1664525U + 1013904223U;
-            row[x] = 0xFF000000U | state >> 8;
-        }
-    }
-    return image;
-}
+#include <QPainter>
 
 /// Comparable whatever stands in the fourth byte.
 inline QImage opaque(const QImage& image) {
