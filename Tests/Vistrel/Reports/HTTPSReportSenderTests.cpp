@@ -129,8 +129,7 @@ TEST_F(HTTPSReportSenderTests, aCutConnectionIsOffline) {
     // What is no HTTP ends the connection, too.
     server.answer = [](QTcpSocket& socket, const auto&) { socket.write("220 mail ready\r\n\r\n"); };
     EXPECT_EQ(send(), ReportUploadError::offline);
-    const HTTPSReportSender::Configuration settings = configuration();
-    HTTPSReportSender refused(server.url(QStringLiteral("/v1/reports")), settings);
+    HTTPSReportSender refused = sender();
     server.close();
     EXPECT_EQ(outcome(refused.send(report, reportID)), ReportUploadError::offline);
 }
