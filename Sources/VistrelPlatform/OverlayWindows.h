@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <memory>
+#include <vector>
 
 class QWidget;
 
@@ -27,8 +28,8 @@ public:
     /// The picture the window shows from the moment it is mapped, dimmed as it is before a selection.
     /// Null goes back to the plain background colour. Kept until replaced.
     virtual void setFrozenPicture(QWidget& window, std::shared_ptr<FrozenPicture> picture) = 0;
-    /// Maps the window above everything and flushes, so that the picture is visible before any paint.
-    virtual void show(QWidget& window) = 0;
+    /// Maps the windows above everything and flushes, so that all pictures are visible before any paint.
+    virtual void show(const std::vector<QWidget*>& windows) = 0;
     virtual void hide(QWidget& window) = 0;
     virtual void setLevel(QWidget& window, OverlayLevel level) = 0;
     /// Activates the window and takes the keyboard for it, with the time of the triggering event.

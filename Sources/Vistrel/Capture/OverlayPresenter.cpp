@@ -149,8 +149,7 @@ void OverlayPresenter::firstDrawn(std::uint32_t displayID) {
 void OverlayPresenter::bringToFront(const Timing& timing) {
     // All windows are mapped before anything is painted: the window system shows their frozen pictures.
     const CaptureTime::Instant since = CaptureTime::now();
-    for (CaptureOverlayWindow* window : shown)
-        services.overlayWindows.show(*window);
+    services.overlayWindows.show({shown.begin(), shown.end()});
     CaptureOverlayWindow* key = keyCandidate(shown);
     if (key)
         services.overlayWindows.takeFocus(*key);
@@ -210,8 +209,7 @@ void OverlayPresenter::resume(CaptureOverlayWindow& window) {
     suspended = false;
     if (std::ranges::find(shown, &window) == shown.end())
         return;
-    for (CaptureOverlayWindow* other : shown)
-        services.overlayWindows.show(*other);
+    services.overlayWindows.show({shown.begin(), shown.end()});
     setLevel(OverlayLevel::aboveEverything);
     services.overlayWindows.takeFocus(window);
     window.view().setFocus();

@@ -26,15 +26,22 @@ public:
     void copyFrom(const SharedSegment& segment);
     /// The haze that lies over everything before a selection is made.
     void dim();
-    /// Kept as it is between two uses.
-    void rest() {}
+    /// Copies and dims, in one pass where the server can draw from shared memory.
+    void dimFrom(const SharedSegment& segment);
+    /// Between two uses: filled with the haze's grey for the next one.
+    void rest();
 
 private:
+    void fillGrey();
+
     std::shared_ptr<X11Connection> connection;
     PixelSize pixelSize;
     xcb_pixmap_t pixmap;
     xcb_gcontext_t context;
     xcb_render_picture_t renderPicture = XCB_NONE;
+    /// How much of a picture shows through the haze.
+    xcb_render_picture_t transparency = XCB_NONE;
+    bool isGrey = false;
 };
 
 /// A dimmed picture on its way into the server.

@@ -77,9 +77,7 @@ Result<void> X11DisplayFilter::warm() {
         return tl::unexpected(segment.error());
     const auto cookie = requestPixels(connection->root(), monitor.rect.topLeft(), **segment);
     if (connection->extensions().render) {
-        const auto pixmap = lendPixmap();
-        pixmap->copyFrom(**segment);
-        pixmap->dim();
+        lendPixmap()->dimFrom(**segment);
     }
     return receivePixels(cookie);
 }
@@ -114,11 +112,11 @@ Result<CapturedImage> X11DisplayFilter::capture(PixelSize size) {
         if (ownWindows && connection->extensions().composite) {
             if (const Result<void> composed = leaveOutOwnWindows(*pixmap, **segment); !composed)
                 return tl::unexpected(composed.error());
+            pixmap->dim();
         } else {
             // From the pixels just read, so that what is shown is what is exported.
-            pixmap->copyFrom(**segment);
+            pixmap->dimFrom(**segment);
         }
-        pixmap->dim();
         frozen = std::make_shared<X11FrozenPicture>(connection, pixmap);
     }
     const QImage native = SharedSegment::image(*segment, monitor.rect.width(), monitor.rect.height());

@@ -144,7 +144,20 @@ void X11OverlayWindows::setFrozenPicture(QWidget& window, std::shared_ptr<Frozen
     xcb_flush(connection);
 }
 
-void X11OverlayWindows::show(QWidget& window) {
+void X11OverlayWindows::show(const std::vector<QWidget*>& windows) {
+    // Mapped before the toolkit does the same, which takes its time: the pictures are there already.
+    for (QWidget* window : windows)
+        map(*window);
+    xcb_flush(connection);
+    watchOtherWindows();
+    for (QWidget* window : windows) {
+        window->show();
+        forceGeometry(idOf(*window), overlays.at(window));
+    }
+    xcb_flush(connection);
+}
+
+void X11OverlayWindows::map(QWidget& window) {
     const auto found = overlays.find(&window);
     VISTREL_PRECONDITION(found != overlays.end(), "an overlay is prepared before it is shown");
     Overlay& overlay = found->second;
@@ -154,13 +167,7 @@ void X11OverlayWindows::show(QWidget& window) {
     forceGeometry(id, overlay);
     const std::uint32_t above = XCB_STACK_MODE_ABOVE;
     xcb_configure_window(connection, id, XCB_CONFIG_WINDOW_STACK_MODE, &above);
-    // Mapped before the toolkit does the same, which takes its time: the picture is there already.
     xcb_map_window(connection, id);
-    xcb_flush(connection);
-    watchOtherWindows();
-    window.show();
-    forceGeometry(id, overlay);
-    xcb_flush(connection);
 }
 
 void X11OverlayWindows::hide(QWidget& window) {

@@ -22,7 +22,7 @@ public:
     Qt::WindowFlags windowFlags() const override;
     void prepare(QWidget& window, const Screen& screen) override;
     void setFrozenPicture(QWidget& window, std::shared_ptr<FrozenPicture> picture) override;
-    void show(QWidget& window) override;
+    void show(const std::vector<QWidget*>& windows) override;
     void hide(QWidget& window) override;
     void setLevel(QWidget& window, OverlayLevel level) override;
     void takeFocus(QWidget& window) override;
@@ -42,6 +42,7 @@ private:
 
     bool nativeEventFilter(const QByteArray& type, void* message, qintptr* result) override;
     void noticeTime(const xcb_generic_event_t& event);
+    void map(QWidget& window);
     void forceGeometry(xcb_window_t id, const Overlay& overlay) const;
     void setBackground(xcb_window_t id, const Overlay& overlay) const;
     void dropBackground(QWidget& window);

@@ -10,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 class FixedScreens : public ScreenList {
@@ -18,8 +20,7 @@ public:
     QPoint pointerPosition() const override { return {400, 100}; }
     QScreen* toolkitScreen(const Screen&) const override { return nullptr; }
 
-    std::vector<Screen> list = {{QStringLiteral("L"), 1, {0, 0, 320, 240}, 1},
-                                {QStringLiteral("R"), 2, {320, 0, 320, 240}, 1}};
+    std::vector<Screen> list = {{u"L"_s, 1, {0, 0, 320, 240}, 1}, {u"R"_s, 2, {320, 0, 320, 240}, 1}};
 };
 
 /// Widgets on the offscreen platform; the focused one is the one that asked last.
@@ -28,9 +29,10 @@ public:
     Qt::WindowFlags windowFlags() const override { return Qt::FramelessWindowHint; }
     void prepare(QWidget& window, const Screen& screen) override { window.setGeometry(screen.nativeRect); }
     void setFrozenPicture(QWidget&, std::shared_ptr<FrozenPicture>) override {}
-    void show(QWidget& window) override {
-        window.show();
-        shown.push_back(&window);
+    void show(const std::vector<QWidget*>& windows) override {
+        for (QWidget* window : windows)
+            window->show();
+        shown = windows;
     }
     void hide(QWidget& window) override { window.hide(); }
     void setLevel(QWidget&, OverlayLevel) override {}
@@ -118,12 +120,11 @@ TEST_F(CoordinatorTests, MissingPermissionIsReportedAndNothingIsCaptured) {
     EXPECT_EQ(asked, 1);
     EXPECT_FALSE(screenshots.promise);
     ASSERT_EQ(saved.size(), 1U);
-    EXPECT_EQ(saved[0].error,
-              QStringLiteral("Screen capture permission is missing for this launch context."));
+    EXPECT_EQ(saved[0].error, u"Screen capture permission is missing for this launch context."_s);
 }
 
 TEST_F(CoordinatorTests, ErrorsCloseTheCaptureAndReachTheUser) {
-    const Error gone{ErrorDomain::windowSystem, 9, QStringLiteral("The display is gone.")};
+    const Error gone{ErrorDomain::windowSystem, 9, u"The display is gone."_s};
     const std::pair<PendingScreenshots::Outcome, Error> cases[] = {
         {tl::unexpected(gone), gone},
         {std::vector<FrozenDisplay>(), captureError(CaptureError::noDisplay)},
@@ -142,7 +143,7 @@ TEST_F(CoordinatorTests, ErrorsCloseTheCaptureAndReachTheUser) {
     screenshots.answer(tl::unexpected(gone));
     auto* alert = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
     ASSERT_TRUE(alert);
-    EXPECT_EQ(alert->text(), QStringLiteral("Couldn’t capture the screen"));
+    EXPECT_EQ(alert->text(), u"Couldn’t capture the screen"_s);
     EXPECT_EQ(alert->informativeText(), gone.description);
     alert->close();
 }

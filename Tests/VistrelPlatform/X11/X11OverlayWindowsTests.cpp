@@ -5,8 +5,6 @@
 #include "VistrelPlatform/X11/X11TestPictures.h"
 #include "VistrelPlatform/X11/X11TestSession.h"
 
-#include <QDialog>
-#include <QKeyEvent>
 #include <QWindow>
 
 #include <gtest/gtest.h>
@@ -15,13 +13,12 @@ namespace {
 
 constexpr QRgb paint = qRgb(10, 200, 30);
 
-/// Paints one colour and remembers what was typed.
+/// Paints one colour.
 class TestOverlay : public QWidget {
 public:
     explicit TestOverlay(Qt::WindowFlags flags) : QWidget(nullptr, flags) {
         setAttribute(Qt::WA_OpaquePaintEvent);
     }
-    QString typed;
     int paints = 0;
 
 protected:
@@ -29,7 +26,6 @@ protected:
         ++paints;
         QPainter(this).fillRect(rect(), QColor(paint));
     }
-    void keyPressEvent(QKeyEvent* event) override { typed += event->text(); }
 };
 
 xcb_window_t windowID(const QWidget& window) {
@@ -57,8 +53,7 @@ protected:
             ASSERT_TRUE(captured);
             overlays.setFrozenPicture(*windows[index], captured->frozen);
         }
-        for (const auto& window : windows)
-            overlays.show(*window);
+        overlays.show({windows[0].get(), windows[1].get()});
     }
     xcb_window_t id(std::size_t index) { return windowID(*windows[index]); }
     bool isAbove(xcb_window_t upper, xcb_window_t lower) {
@@ -71,15 +66,10 @@ protected:
         client.map(window);
         return window;
     }
-    void focus(xcb_window_t window) {
-        xcb_set_input_focus(client.connection(), XCB_INPUT_FOCUS_PARENT, window, XCB_CURRENT_TIME);
-        client.synchronize();
-    }
 
     const QRect left{0, 0, 1000, 700};
     const QRect right{1000, 0, 1366, 768};
     XClient& client = testSession().client();
-    XTestInput& input = testSession().input();
     const QImage background = noise(testScreenSize, 5);
     X11ScreenList list;
     X11ScreenCapturer capturer;
@@ -115,7 +105,7 @@ TEST_F(X11OverlayWindowsTest, TheFirstFrameIsTheDimmedPictureOnExactlyTheDisplay
     overlays.hide(*windows[0]);
     EXPECT_EQ(client.pixels(left), background.copy(left));
     overlays.setFrozenPicture(*windows[0], nullptr);
-    overlays.show(*windows[0]);
+    overlays.show({windows[0].get()});
     EXPECT_EQ(client.pixelAt({500, 300}), 0xFF4D4D4DU) << "plain without a picture";
 }
 
@@ -145,38 +135,4 @@ TEST_F(X11OverlayWindowsTest, StaysAboveWindowsThatComeLaterUnlessTheyCoverAll) 
     settle();
     EXPECT_TRUE(isAbove(locker, id(0)) && isAbove(locker, id(1)));
     client.destroy(locker);
-}
-
-TEST_F(X11OverlayWindowsTest, TakesTheKeyboardAndTakesItBack) {
-    const xcb_window_t other = openWindow({1100, 100, 200, 100});
-    focus(other);
-    ASSERT_TRUE(client.grabKeyboard());
-    showFrozen();
-    EXPECT_FALSE(overlays.hasKeyboardFocus(*windows[0]));
-    overlays.takeFocus(*windows[0]);
-    EXPECT_EQ(client.focusedWindow(), id(0));
-    EXPECT_TRUE(waitUntil([&] { return windows[0]->isActiveWindow(); }));
-    client.ungrabKeyboard();
-    focus(other);
-    EXPECT_TRUE(waitUntil([&] { return overlays.hasKeyboardFocus(*windows[0]); }));
-    input.type(QStringLiteral("a"));
-    EXPECT_TRUE(waitUntil([&] { return windows[0]->typed == QLatin1String("a"); }));
-
-    overlays.setLevel(*windows[0], OverlayLevel::belowDialogs);
-    QDialog dialog(windows[0].get());
-    dialog.resize(300, 200);
-    overlays.prepareDialog(dialog);
-    dialog.show();
-    const auto dialogID = windowID(dialog);
-    EXPECT_TRUE(waitUntil([&] { return client.focusedWindow() == dialogID; }));
-    EXPECT_TRUE(isAbove(dialogID, id(0)));
-    EXPECT_TRUE(left.contains(dialog.geometry()));
-    dialog.hide();
-
-    overlays.hide(*windows[0]);
-    settle();
-    focus(other);
-    settle();
-    EXPECT_EQ(client.focusedWindow(), other) << "it is not ours any more";
-    client.destroy(other);
 }
