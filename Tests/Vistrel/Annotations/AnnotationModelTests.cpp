@@ -23,24 +23,6 @@ EditorState stateOf(int number) {
 
 } // namespace
 
-TEST(EditorAnnotation, bounds) {
-    struct BoundsCase {
-        const char* name;
-        EditorAnnotation layer;
-        Rect geometry, bounds;
-    };
-    const BoundsCase cases[] = {
-        {"stroke", layer(AnnotationTool::pen, {{5, 9}, {-1, 4}, {3, 3}}, 4), {-1, 3, 6, 6}, {-3, 1, 10, 10}},
-        {"blocks", layer(AnnotationTool::pixelate, {{5, 9}, {1, 4}}), {1, 4, 4, 5}, {1, 4, 4, 5}},
-        {"text", layer(AnnotationTool::text, {{1, 4}, {5, 9}}, 9), {1, 4, 4, 5}, {1, 4, 4, 5}},
-    };
-    for (const BoundsCase& c : cases) {
-        EXPECT_EQ(c.layer.geometryBounds(), c.geometry) << c.name;
-        EXPECT_EQ(c.layer.bounds(), c.bounds) << c.name;
-        EXPECT_TRUE(c.layer.paintedBounds().contains(c.bounds)) << c.name;
-    }
-}
-
 TEST(EditorAnnotation, arrowHasBarbsOfThirtyDegrees) {
     for (const auto& [width, length] : {std::pair{2.0, 14.0}, std::pair{10.0, 30.0}}) {
         for (const Point tip : {Point{100, 0}, Point{0, 100}, Point{-60, -80}}) {

@@ -10,6 +10,8 @@
 #include <functional>
 #include <random>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 using Layers = std::vector<EditorAnnotation>;
@@ -86,7 +88,7 @@ Layers manyLayers(const Scene& scene, unsigned seed, int count) {
         layers.push_back(layer(tool, std::move(points), (2 + below(16)) / scene.scale,
                                QColor(below(256), below(256), below(256))));
         if (tool == AnnotationTool::text)
-            layers.back().text = QStringLiteral("some text\nto see");
+            layers.back().text = u"some text\nto see"_s;
     }
     return layers;
 }

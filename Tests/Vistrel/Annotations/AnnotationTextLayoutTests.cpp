@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr Size plenty = {10000, 10000};
@@ -56,30 +58,29 @@ TEST(AnnotationTextLayout, everyLineFeedMakesRoom) {
 }
 
 TEST(AnnotationTextLayout, widthIsThatOfTheWidestLineAndOne) {
-    const double one = sizeOf(QStringLiteral("wide word")).width;
-    EXPECT_EQ(sizeOf(QStringLiteral("i\nwide word\nii")).width, one);
+    const double one = sizeOf(u"wide word"_s).width;
+    EXPECT_EQ(sizeOf(u"i\nwide word\nii"_s).width, one);
     EXPECT_EQ(sizeOf(QString()).width, 2);
-    EXPECT_GT(sizeOf(QStringLiteral("wide word  ")).width, one) << "spaces at the end are typed, too";
+    EXPECT_GT(sizeOf(u"wide word  "_s).width, one) << "spaces at the end are typed, too";
     // What is measured must not wrap when it is laid out again.
     for (double fontSize = 3; fontSize < 60; fontSize += 0.37)
-        EXPECT_EQ(sizeOf(QStringLiteral("some words to wrap"), fontSize).height,
-                  std::ceil(lineHeight(fontSize)));
+        EXPECT_EQ(sizeOf(u"some words to wrap"_s, fontSize).height, std::ceil(lineHeight(fontSize)));
 }
 
 TEST(AnnotationTextLayout, availableSizeLimitsTheBox) {
-    const QString text = QStringLiteral("several words that need more than one line");
+    const QString text = u"several words that need more than one line"_s;
     const Size free = sizeOf(text);
     const Size narrow = sizeOf(text, 20, {free.width / 2.5, 10000});
     EXPECT_EQ(narrow.width, free.width / 2.5);
     EXPECT_GE(narrow.height, 3 * lineHeight(20));
     EXPECT_EQ(sizeOf(text, 20, {free.width / 2.5, 30}).height, 30);
     EXPECT_EQ(sizeOf(text, 20, {-5, -5}), (Size{1, 1}));
-    EXPECT_GE(sizeOf(QStringLiteral("oneverylongword"), 20, {40, 10000}).height, 3 * lineHeight(20))
+    EXPECT_GE(sizeOf(u"oneverylongword"_s, 20, {40, 10000}).height, 3 * lineHeight(20))
         << "a word wider than the box is broken";
 }
 
 TEST(AnnotationTextLayout, paintsWithinTheMeasuredBoxAtEveryScale) {
-    const QString text = QStringLiteral("Hamburg\nfonts");
+    const QString text = u"Hamburg\nfonts"_s;
     for (const double fontSize : {12.0, 19.2, 30.0}) {
         for (const double scale : {1.0, 1.25, 2.0}) {
             const Size box = sizeOf(text, fontSize);
@@ -93,22 +94,22 @@ TEST(AnnotationTextLayout, paintsWithinTheMeasuredBoxAtEveryScale) {
 }
 
 TEST(AnnotationTextLayout, linesThatDoNotFitIntoTheBoxAreLeftOut) {
-    const QString text = QStringLiteral("HHH\nHHH\nHHH");
+    const QString text = u"HHH\nHHH\nHHH"_s;
     const Size box = sizeOf(text);
     const int two = inkOf(text, 20, {box.width, 2 * lineHeight(20)}).height();
     EXPECT_EQ(inkOf(text, 20, {box.width, box.height - 2}).height(), two);
     EXPECT_GT(inkOf(text, 20, box).height(), two + 10);
-    EXPECT_EQ(inkOf(text, 20, {box.width, 5}), inkOf(QStringLiteral("HHH"), 20, box))
+    EXPECT_EQ(inkOf(text, 20, {box.width, 5}), inkOf(u"HHH"_s, 20, box))
         << "the first line is painted even where it does not fit";
 }
 
 TEST(AnnotationTextLayout, textFromRightToLeftStandsAtTheRight) {
-    const QRect hebrew = inkOf(QStringLiteral("שלום"), 20, {300, 40});
-    const QRect latin = inkOf(QStringLiteral("word"), 20, {300, 40});
+    const QRect hebrew = inkOf(u"שלום"_s, 20, {300, 40});
+    const QRect latin = inkOf(u"word"_s, 20, {300, 40});
     EXPECT_LT(latin.left(), 60);
     EXPECT_GT(hebrew.right(), 340);
     EXPECT_GT(hebrew.left(), 250);
-    const QRect mixed = inkOf(QStringLiteral("word\nשלום"), 20, {300, 80});
+    const QRect mixed = inkOf(u"word\nשלום"_s, 20, {300, 80});
     EXPECT_LT(mixed.left(), 60);
     EXPECT_GT(mixed.right(), 340) << "every paragraph has its own direction";
 }

@@ -61,16 +61,12 @@ public:
         bool exist = true;
     };
     static inline const ScreenshotShortcut nine = ScreenshotShortcut::defaultShortcut();
-    static inline const ScreenshotShortcut four{21, 768, QStringLiteral("4")};
     static inline const ScreenshotShortcut p{35, 768, QStringLiteral("P")};
 
     /// A user who has been through the setup and may capture.
     void completeSetup() {
         defaults.setNumber(QStringLiteral("onboardingVersion"), 2);
         granted = true;
-    }
-    void store(const ScreenshotShortcut& shortcut) {
-        defaults.setData(QStringLiteral("screenshotShortcuts"), ScreenshotShortcut::encodeList({shortcut}));
     }
 
     AppController& make() {

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 /// A benchmark on a session that answers when the test says so, with a clock that the test turns.
@@ -66,7 +68,7 @@ TEST_F(CaptureBenchmarkTest, theFirstFailureEndsTheSeries) {
     start(5);
     report(10);
     pauses.back()();
-    report(12.5, QStringLiteral("No display."));
+    report(12.5, u"No display."_s);
     EXPECT_TRUE(errors.endsWith("Capture 2/5: 12.50 ms (No display.)\n"));
     EXPECT_EQ(reports(), 2);
     EXPECT_EQ(status, 1);

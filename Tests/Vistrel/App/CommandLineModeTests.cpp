@@ -2,14 +2,15 @@
 
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 using namespace CommandLineMode;
 
-const UsageError runsError{QStringLiteral("Expected: --benchmark-capture [runs from 1 to 20]"), 2};
-const UsageError methodError{QStringLiteral("Expected --capture-method automatic, filtered, or direct"), 2};
-const UsageError profileError{QStringLiteral("Expected: --profile-buffer width height displays maximumFPS"),
-                              1};
+const UsageError runsError{u"Expected: --benchmark-capture [runs from 1 to 20]"_s, 2};
+const UsageError methodError{u"Expected --capture-method automatic, filtered, or direct"_s, 2};
+const UsageError profileError{u"Expected: --profile-buffer width height displays maximumFPS"_s, 1};
 
 struct ModeCase {
     const char* name;
@@ -35,11 +36,9 @@ const ModeCase cases[] = {
     {"benchmarkWinsOverTiming", "--last-capture-timing --benchmark-capture 2",
      BenchmarkCapture{2, CaptureMethod::automatic}},
     {"timingWinsOverIconset", "--export-iconset a --last-capture-timing", LastCaptureTiming{}},
-    {"iconsetTakesAnOptionAsItsPath", "--export-iconset --diagnostics",
-     ExportIconset{QStringLiteral("--diagnostics")}},
+    {"iconsetTakesAnOptionAsItsPath", "--export-iconset --diagnostics", ExportIconset{u"--diagnostics"_s}},
     {"iconsetWithoutPathFallsThrough", "--diagnostics --export-iconset", PrintDiagnostics{}},
-    {"onlyTheFirstIconsetCounts", "--export-iconset x --export-iconset y",
-     ExportIconset{QStringLiteral("x")}},
+    {"onlyTheFirstIconsetCounts", "--export-iconset x --export-iconset y", ExportIconset{u"x"_s}},
     {"profile", "--profile-buffer 5120 2880 2 60", ProfileBuffer{5120, 2880, 2, 60}},
     {"profileIsNotRangeChecked", "--profile-buffer -1 0 9223372036854775807 0",
      ProfileBuffer{-1, 0, 9223372036854775807, 0}},
@@ -50,7 +49,7 @@ const ModeCase cases[] = {
 
 TEST(CommandLineModeTest, isTheFirstThatMatches) {
     for (const ModeCase& row : cases) {
-        QStringList arguments{QStringLiteral("/usr/bin/vistrel")};
+        QStringList arguments{u"/usr/bin/vistrel"_s};
         arguments << QString::fromUtf8(row.arguments).split(u' ', Qt::SkipEmptyParts);
         EXPECT_TRUE(parse(arguments) == row.expected) << row.name;
     }

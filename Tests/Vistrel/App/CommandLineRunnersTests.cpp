@@ -2,11 +2,13 @@
 
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 TEST(CommandLineRunnersTest, DiagnosticsDescribeTheSession) {
     QByteArray output;
     const Console console{[&](const QByteArray& bytes) { output += bytes; }, {}};
     const auto screen = [](std::optional<std::uint32_t> number, QSize pixels, double scale) {
-        return Screen{QStringLiteral("A"), number, QRect(QPoint(), pixels), scale};
+        return Screen{u"A"_s, number, QRect(QPoint(), pixels), scale};
     };
     const CommandLineRunners::Diagnosis diagnosis{
         .loginItem = LoginItemStatus::notFound,
@@ -16,7 +18,7 @@ TEST(CommandLineRunnersTest, DiagnosticsDescribeTheSession) {
         .conflictsWithSystem = [](const ScreenshotShortcut& shortcut) -> Result<bool> {
             if (shortcut.keyCode == 21)
                 return true;
-            return tl::unexpected(Error{ErrorDomain::system, 1, QStringLiteral("unreadable")});
+            return tl::unexpected(Error{ErrorDomain::system, 1, u"unreadable"_s});
         }};
     EXPECT_EQ(CommandLineRunners::printDiagnostics(diagnosis, console), 0);
     EXPECT_EQ(output, "Capture mode: on demand; no background stream or rewind\n"

@@ -1,5 +1,7 @@
 #include "Vistrel/App/AppControllerFixture.h"
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 enum class Step { first, on, off, toggle };
@@ -41,7 +43,7 @@ TEST_F(LaunchAtLogin, CallsTheDesktopOnlyWhenSomethingChanges) {
 }
 
 TEST_F(LaunchAtLogin, AFailureIsPassedOnAndTriedAgain) {
-    loginItem.fault = Error{ErrorDomain::system, 13, QStringLiteral("Permission denied")};
+    loginItem.fault = Error{ErrorDomain::system, 13, u"Permission denied"_s};
     EXPECT_EQ(login.configureDefault().error().code, 13);
     EXPECT_FALSE(login.setEnabled(true));
     EXPECT_FALSE(configured());

@@ -4,6 +4,8 @@
 
 #include <QApplication>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 class Host : public TrayHost {
@@ -54,13 +56,13 @@ TEST_F(StatusItemTest, LeftClicksCaptureUnlessTheyCloseTheMenu) {
 }
 
 TEST_F(StatusItemTest, TheMenuFollowsTheController) {
-    ASSERT_TRUE(controller->choose({22, 768, QStringLiteral("&")}));
-    EXPECT_EQ(titles().front(), QStringLiteral("Capture Screenshot  ⇧⌘&&")) << "no mnemonic";
+    ASSERT_TRUE(controller->choose({22, 768, u"&"_s}));
+    EXPECT_EQ(titles().front(), u"Capture Screenshot  ⇧⌘&&"_s) << "no mnemonic";
 
     // Changed elsewhere: seen when the menu opens.
     loginItem.now = LoginItemStatus::requiresApproval;
     item->contextMenu().popup({10, 10});
-    EXPECT_EQ(titles().at(4), QStringLiteral("Approve Launch at Login…"));
+    EXPECT_EQ(titles().at(4), u"Approve Launch at Login…"_s);
     item->contextMenu().hide();
 
     toggleLaunchAtLogin();
@@ -68,7 +70,7 @@ TEST_F(StatusItemTest, TheMenuFollowsTheController) {
     EXPECT_EQ(titles().size(), 6);
     EXPECT_FALSE(launchAtLogin()->isChecked())
         << "what the menu shows is what is, whatever the click did to the mark";
-    loginItem.fault = Error{ErrorDomain::system, 13, QStringLiteral("Permission denied")};
+    loginItem.fault = Error{ErrorDomain::system, 13, u"Permission denied"_s};
     toggleLaunchAtLogin();
     EXPECT_FALSE(launchAtLogin()->isChecked());
 }

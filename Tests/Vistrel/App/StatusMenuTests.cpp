@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 TEST(StatusMenuTest, showsTheLoginItem) {
     using Status = LoginItemStatus;
     using Check = StatusMenu::Check;
@@ -12,16 +14,14 @@ TEST(StatusMenuTest, showsTheLoginItem) {
                                         {Status::requiresApproval, Check::mixed},
                                         {Status::notFound, Check::off}}) {
         QStringList titles;
-        for (const StatusMenu::Item& item : StatusMenu::items(QStringLiteral("⇧⌘9 / F13"), status)) {
+        for (const StatusMenu::Item& item : StatusMenu::items(u"⇧⌘9 / F13"_s, status)) {
             titles << item.title;
             EXPECT_EQ(item.check,
                       item.command == StatusMenu::Command::toggleLaunchAtLogin ? check : Check::notCheckable);
-            EXPECT_EQ(item.enabled, item.title != QLatin1StringView("Start Recording"));
+            EXPECT_EQ(item.enabled, item.title != "Start Recording"_L1);
         }
-        const QString approval =
-            check == Check::mixed ? QStringLiteral("Approve Launch at Login…|") : QString();
-        EXPECT_EQ(titles.join(u'|'), QStringLiteral("Capture Screenshot  ⇧⌘9 / F13|Start Recording|Settings…|"
-                                                    "Launch at Login|%1|Quit Vistrel")
-                                         .arg(approval));
+        const QString approval = check == Check::mixed ? u"Approve Launch at Login…|"_s : QString();
+        EXPECT_EQ(titles.join(u'|'), u"Capture Screenshot  ⇧⌘9 / F13|Start Recording|Settings…|"
+                                     "Launch at Login|%1|Quit Vistrel"_s.arg(approval));
     }
 }

@@ -4,12 +4,13 @@
 
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 class CapturePresentationTimingTests : public ::testing::Test {
 protected:
-    std::shared_ptr<CaptureTiming> timing =
-        std::make_shared<CaptureTiming>(CaptureTime::now(), QStringLiteral("hotkey"));
+    std::shared_ptr<CaptureTiming> timing = std::make_shared<CaptureTiming>(CaptureTime::now(), u"hotkey"_s);
     std::vector<std::optional<QString>> completions;
     CapturePresentationTiming tracker{
         timing, [this](const std::optional<QString>& error) { completions.push_back(error); }};
@@ -33,11 +34,9 @@ TEST_F(CapturePresentationTimingTests, drawingAndFocusCompleteOnceInEitherOrder)
     observe(true, true, true);
     tracker.expire();
     EXPECT_EQ(completions, std::vector<std::optional<QString>>{std::nullopt});
-    EXPECT_EQ(
-        names(),
-        (QStringList{QStringLiteral("overlay_event_loop_resumed"),
-                     QStringLiteral("application_active_confirmed"), QStringLiteral("canvas_focus_confirmed"),
-                     QStringLiteral("overlay_key_confirmed"), QStringLiteral("selection_input_ready")}));
+    EXPECT_EQ(names(), (QStringList{u"overlay_event_loop_resumed"_s, u"application_active_confirmed"_s,
+                                    u"canvas_focus_confirmed"_s, u"overlay_key_confirmed"_s,
+                                    u"selection_input_ready"_s}));
 }
 
 TEST_F(CapturePresentationTimingTests, lostFocusWithdrawsReadiness) {
@@ -54,9 +53,9 @@ TEST_F(CapturePresentationTimingTests, twoSecondsWithoutBothAreAnError) {
     tracker.expire();
     tracker.eventLoopResumed();
     EXPECT_EQ(completions,
-              std::vector<std::optional<QString>>{QStringLiteral(
-                  "Capture drawing and keyboard focus were not both confirmed within two seconds of overlay "
-                  "presentation.")});
+              std::vector<std::optional<QString>>{
+                  u"Capture drawing and keyboard focus were not both confirmed within two seconds of overlay "
+                  "presentation."_s});
 }
 
 TEST_F(CapturePresentationTimingTests, anAbandonedPresentationSaysNothing) {
@@ -69,7 +68,7 @@ TEST_F(CapturePresentationTimingTests, anAbandonedPresentationSaysNothing) {
 }
 
 TEST(CapturePresentationTimingLifetimeTests, theCompletionMayDestroyTheTracker) {
-    const auto timing = std::make_shared<CaptureTiming>(CaptureTime::now(), QStringLiteral("hotkey"));
+    const auto timing = std::make_shared<CaptureTiming>(CaptureTime::now(), u"hotkey"_s);
     std::unique_ptr<CapturePresentationTiming> tracker;
     const auto renew = [&] {
         tracker = std::make_unique<CapturePresentationTiming>(

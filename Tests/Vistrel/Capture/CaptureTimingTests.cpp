@@ -9,36 +9,37 @@
 
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 using std::chrono::milliseconds;
 
 const CaptureTiming::Report sample{
-    .source = QStringLiteral("hotkey"),
-    .phases = {{QStringLiteral("hotkey_handler_entered"), {}, 0.1, 0, {}, {}},
-               {QStringLiteral("display_image_available"), 4294967295U, 12.345678, 8.5, 3840, 2160}},
+    .source = u"hotkey"_s,
+    .phases = {{u"hotkey_handler_entered"_s, {}, 0.1, 0, {}, {}},
+               {u"display_image_available"_s, 4294967295U, 12.345678, 8.5, 3840, 2160}},
     .totalMS = 33.00000000000001,
     .error = std::nullopt,
-    .boundary = QStringLiteral("x"),
+    .boundary = u"x"_s,
 };
 
 TEST(CaptureTimingTests, onlyTheFirstFinishReports) {
-    CaptureTiming timing(CaptureTime::now() - milliseconds(40), QStringLiteral("menu_bar"));
-    timing.recordPhase(QStringLiteral("permission_check"), {.since = CaptureTime::now() - milliseconds(20)});
+    CaptureTiming timing(CaptureTime::now() - milliseconds(40), u"menu_bar"_s);
+    timing.recordPhase(u"permission_check"_s, {.since = CaptureTime::now() - milliseconds(20)});
     EXPECT_GE(timing.phases().front().offsetMS, 40);
     EXPECT_GE(timing.phases().front().durationMS, 20);
     EXPECT_LT(timing.phases().front().durationMS, timing.phases().front().offsetMS);
-    const std::optional<CaptureTiming::Report> report = timing.finish(QStringLiteral("why"));
+    const std::optional<CaptureTiming::Report> report = timing.finish(u"why"_s);
     ASSERT_TRUE(report);
-    EXPECT_EQ(report->source, QStringLiteral("menu_bar"));
+    EXPECT_EQ(report->source, u"menu_bar"_s);
     EXPECT_EQ(report->phases, timing.phases());
-    EXPECT_EQ(report->error, QStringLiteral("why"));
+    EXPECT_EQ(report->error, u"why"_s);
     EXPECT_GE(report->totalMS, 40);
     EXPECT_EQ(report->boundary,
-              QStringLiteral(
-                  "Image availability, AppKit drawing, event-loop resumption and confirmed "
-                  "application/key-window/canvas focus; not pixel exposure or physical display scanout."));
-    timing.recordPhase(QStringLiteral("late"));
+              u"Image availability, AppKit drawing, event-loop resumption and confirmed "
+              "application/key-window/canvas focus; not pixel exposure or physical display scanout."_s);
+    timing.recordPhase(u"late"_s);
     EXPECT_EQ(timing.finish(std::nullopt), std::nullopt);
     EXPECT_EQ(report->phases.size(), 1U);
 }
@@ -69,7 +70,7 @@ TEST(CaptureTimingTests, theReportIsIndentedJSONWithSortedKeysAndExactNumbers) {
 
 TEST(CaptureTimingTests, aReportIsReadAsItWasWrittenOrNotAtAll) {
     CaptureTiming::Report failed = sample;
-    failed.error = QStringLiteral("No display");
+    failed.error = u"No display"_s;
     for (const CaptureTiming::Report& report : {sample, failed})
         EXPECT_EQ(CaptureTiming::decode(CaptureTiming::encode(report)), report);
     const QByteArray whole = CaptureTiming::encode(sample);
@@ -85,8 +86,7 @@ TEST(CaptureTimingTests, aReportIsReadAsItWasWrittenOrNotAtAll) {
 TEST(CaptureTimingTests, onlyTheLastReportIsKeptAndAFailureIsHarmless) {
     QTemporaryDir folder;
     const ScopedEnvironment data("XDG_DATA_HOME", QFile::encodeName(folder.path()));
-    ASSERT_EQ(CaptureTiming::reportPath(),
-              folder.filePath(QStringLiteral("Vistrel/last-capture-timing.json")));
+    ASSERT_EQ(CaptureTiming::reportPath(), folder.filePath(u"Vistrel/last-capture-timing.json"_s));
     CaptureTiming::Report earlier = sample;
     earlier.boundary = QString(5000, u'y');
     CaptureTiming::save(earlier);

@@ -12,6 +12,8 @@
 #include <atomic>
 #include <map>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 /// Displays whose pictures have the asked-for size, unless told to misbehave.
@@ -37,8 +39,7 @@ public:
         if (held)
             held->acquire();
         if (failing == id)
-            return tl::unexpected(
-                Error{ErrorDomain::windowSystem, 8, QStringLiteral("The display is gone.")});
+            return tl::unexpected(Error{ErrorDomain::windowSystem, 8, u"The display is gone."_s});
         const QImage image(size.width + growth, size.height, QImage::Format_RGB32);
         return CapturedImage{image, image, nullptr};
     }
@@ -61,7 +62,7 @@ protected:
         return future.result();
     }
     Outcome capture(ScreenshotCapturing& service, std::stop_token stop = {}) {
-        timing = std::make_shared<CaptureTiming>(CaptureTime::now(), QStringLiteral("menu_bar"));
+        timing = std::make_shared<CaptureTiming>(CaptureTime::now(), u"menu_bar"_s);
         return wait(service.capture(screens, timing, std::move(stop)));
     }
     QStringList phases() const {
@@ -71,9 +72,8 @@ protected:
         return names;
     }
 
-    const Screen unnumbered{QStringLiteral("U"), std::nullopt, {500, 0, 10, 10}, 1};
-    std::vector<Screen> screens = {{QStringLiteral("L"), 7, {0, 0, 200, 100}, 2},
-                                   {QStringLiteral("R"), 9, {200, 0, 300, 100}, 1}};
+    const Screen unnumbered{u"U"_s, std::nullopt, {500, 0, 10, 10}, 1};
+    std::vector<Screen> screens = {{u"L"_s, 7, {0, 0, 200, 100}, 2}, {u"R"_s, 9, {200, 0, 300, 100}, 1}};
     EmptyDefaults defaults;
     EditorPreferences preferences{defaults};
     FakeCapturer capturer;
@@ -99,16 +99,16 @@ TEST_F(OnDemandScreenshotServiceTests, PreparesOnceAndThenCapturesFromTheCache) 
     ASSERT_EQ(first->size(), 2U);
     EXPECT_EQ((*first)[0].captured.image.size(), QSize(100, 50)); // reduced: two pixels per point
     EXPECT_EQ((*first)[1].captured.image.size(), QSize(300, 100));
-    EXPECT_EQ(phases().first(2), QStringList({QStringLiteral("capture_method_filtered_parallel"),
-                                              QStringLiteral("capture_metadata_preparation")}));
+    EXPECT_EQ(phases().first(2),
+              QStringList({u"capture_method_filtered_parallel"_s, u"capture_metadata_preparation"_s}));
     ASSERT_TRUE(capture(service));
-    EXPECT_EQ(phases().value(1), QStringLiteral("capture_metadata_cached"));
-    EXPECT_EQ(phases().count(QStringLiteral("display_image_available")), 2);
+    EXPECT_EQ(phases().value(1), u"capture_metadata_cached"_s);
+    EXPECT_EQ(phases().count(u"display_image_available"_s), 2);
     EXPECT_EQ(capturer.preparations, 2); // one per display
 
     preferences.setDownscaleRetinaScreenshots(false); // other pixels, so other filters
     const Outcome full = capture(service);
-    EXPECT_EQ(phases().value(1), QStringLiteral("capture_metadata_preparation"));
+    EXPECT_EQ(phases().value(1), u"capture_metadata_preparation"_s);
     EXPECT_EQ((*full)[0].captured.image.size(), QSize(200, 100));
 }
 
@@ -136,7 +136,7 @@ TEST_F(OnDemandScreenshotServiceTests, ConcurrentCallersShareOnePreparationAndAn
     EXPECT_TRUE(wait(fourth));
     EXPECT_EQ(built, 2); // the stale one and the one that third and fourth share
     EXPECT_TRUE(capture(service));
-    EXPECT_EQ(phases().value(1), QStringLiteral("capture_metadata_cached"));
+    EXPECT_EQ(phases().value(1), u"capture_metadata_cached"_s);
 }
 
 TEST_F(OnDemandScreenshotServiceTests, FailuresAreValuesAndDropTheCache) {
@@ -147,7 +147,7 @@ TEST_F(OnDemandScreenshotServiceTests, FailuresAreValuesAndDropTheCache) {
     capturer.growth = 0;
     capturer.failing = 9;
     EXPECT_EQ(capture(service).error().domain, ErrorDomain::windowSystem);
-    EXPECT_EQ(phases().value(1), QStringLiteral("capture_metadata_preparation"));
+    EXPECT_EQ(phases().value(1), u"capture_metadata_preparation"_s);
     screens.push_back(unnumbered);
     EXPECT_EQ(capture(service).error(), captureError(CaptureError::noDisplay));
 }
@@ -164,7 +164,7 @@ TEST_F(OnDemandScreenshotServiceTests, StoppingKeepsTheCacheAndAnswersWithACance
     EXPECT_TRUE(isCancelled(wait(future).error()));
     capturer.held = nullptr;
     ASSERT_TRUE(capture(service));
-    EXPECT_EQ(phases().value(1), QStringLiteral("capture_metadata_cached"));
+    EXPECT_EQ(phases().value(1), u"capture_metadata_cached"_s);
 }
 
 TEST_F(OnDemandScreenshotServiceTests, DirectSkipsScreensWithoutANumberAndNeedsASessionThatCanDoIt) {
@@ -174,7 +174,7 @@ TEST_F(OnDemandScreenshotServiceTests, DirectSkipsScreensWithoutANumberAndNeedsA
     const Outcome taken = capture(service);
     ASSERT_TRUE(taken);
     EXPECT_EQ(taken->size(), 2U);
-    EXPECT_EQ(phases().value(0), QStringLiteral("capture_method_direct_rect"));
+    EXPECT_EQ(phases().value(0), u"capture_method_direct_rect"_s);
     EXPECT_EQ(capturer.preparations, 0);
 
     capturer.direct = false;

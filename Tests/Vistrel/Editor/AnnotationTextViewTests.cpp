@@ -9,6 +9,8 @@
 #include <QScrollBar>
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 using namespace EditorTestSupport;
 
 class AnnotationTextViewTests : public ::testing::Test {
@@ -43,17 +45,17 @@ struct MeasureCase {
 };
 const MeasureCase measureCases[] = {
     {"empty", QString(), 24, {600, 400}},
-    {"fractionOfAPoint", QStringLiteral("Hello world"), 20.8333, {600, 400}},
-    {"trailingLineFeed", QStringLiteral("one\n"), 24, {600, 400}},
-    {"wraps", QStringLiteral("a longer line that has to wrap at words"), 24, {150, 400}},
+    {"fractionOfAPoint", u"Hello world"_s, 20.8333, {600, 400}},
+    {"trailingLineFeed", u"one\n"_s, 24, {600, 400}},
+    {"wraps", u"a longer line that has to wrap at words"_s, 24, {150, 400}},
     {"wordWiderThanTheBox", QString(60, u'W'), 24, {150, 400}},
-    {"cutAtTheBottom", QStringLiteral("1\n2\n3\n4\n5\n6\n7\n8\n9"), 24, {150, 60}},
-    {"trailingSpacesBeyondTheBox", QStringLiteral("abcdef          "), 24, {100, 400}},
-    {"tabs", QStringLiteral("a\tb\tc"), 24, {600, 400}},
-    {"mixedDirections", QStringLiteral("abc שלום 123\nعربي"), 24, {600, 400}},
-    {"emoji", QStringLiteral("👩‍👩‍👧 ok 🎉"), 24, {600, 400}},
-    {"nothingAvailable", QStringLiteral("abc"), 24, {0, 0}},
-    {"lineSeparator", QString(QStringLiteral("ab") + QChar(0x2028) + QStringLiteral("c")), 24, {600, 400}},
+    {"cutAtTheBottom", u"1\n2\n3\n4\n5\n6\n7\n8\n9"_s, 24, {150, 60}},
+    {"trailingSpacesBeyondTheBox", u"abcdef          "_s, 24, {100, 400}},
+    {"tabs", u"a\tb\tc"_s, 24, {600, 400}},
+    {"mixedDirections", u"abc שלום 123\nعربي"_s, 24, {600, 400}},
+    {"emoji", u"👩‍👩‍👧 ok 🎉"_s, 24, {600, 400}},
+    {"nothingAvailable", u"abc"_s, 24, {0, 0}},
+    {"lineSeparator", QString(u"ab"_s + QChar(0x2028) + u"c"_s), 24, {600, 400}},
 };
 
 TEST_F(AnnotationTextViewTests, theEditorMeasuresAndPaintsWhatTheLayerWill) {
@@ -102,8 +104,8 @@ TEST_F(AnnotationTextViewTests, theBoxFollowsEveryEditAsIfMeasuredAnew) {
         const Size expected = AnnotationTextLayout::size(view.string(), 24, {200, 300});
         EXPECT_EQ(view.box().size(), QSizeF(expected.width, expected.height)) << what;
     };
-    QTest::keyClicks(&view, QStringLiteral("some words that wrap"));
-    view.insertPlainText(QStringLiteral("\n\nend"));
+    QTest::keyClicks(&view, u"some words that wrap"_s);
+    view.insertPlainText(u"\n\nend"_s);
     expectFit("typed");
     QTest::keyClick(&view, Qt::Key_Home, Qt::ControlModifier);
     QTest::keyClick(&view, Qt::Key_Return);
@@ -137,7 +139,7 @@ TEST_F(AnnotationTextViewTests, keysCommitCancelAndBreakLines) {
     };
     for (const KeyCase& c : cases) {
         commits = cancels = 0;
-        view.setString(QStringLiteral("ab"));
+        view.setString(u"ab"_s);
         QTest::keyClick(&view, static_cast<Qt::Key>(c.key), c.modifiers);
         EXPECT_EQ(commits, c.commits) << c.name;
         EXPECT_EQ(cancels, c.cancels) << c.name;
@@ -147,23 +149,22 @@ TEST_F(AnnotationTextViewTests, keysCommitCancelAndBreakLines) {
 
 TEST_F(AnnotationTextViewTests, onlyPlainTextIsPasted) {
     auto* rich = new QMimeData;
-    rich->setHtml(QStringLiteral("<b>bold</b>"));
-    rich->setText(QStringLiteral("bold\r\nline"));
+    rich->setHtml(u"<b>bold</b>"_s);
+    rich->setText(u"bold\r\nline"_s);
     QGuiApplication::clipboard()->setMimeData(rich);
     QTest::keyClick(&view, Qt::Key_V, Qt::MetaModifier);
-    EXPECT_EQ(view.string(), QStringLiteral("bold\nline"));
+    EXPECT_EQ(view.string(), u"bold\nline"_s);
 }
 
 TEST_F(AnnotationTextViewTests, compositionIsShownInPlaceAndTakesRoom) {
-    view.setString(QStringLiteral("a"));
+    view.setString(u"a"_s);
     const double before = view.box().width();
-    compose(QStringLiteral("にほん"));
-    EXPECT_EQ(view.string(), QStringLiteral("a")) << "not typed yet";
-    EXPECT_EQ(view.box().width(),
-              AnnotationTextLayout::size(QStringLiteral("aにほん"), 24, {600, 400}).width);
+    compose(u"にほん"_s);
+    EXPECT_EQ(view.string(), u"a"_s) << "not typed yet";
+    EXPECT_EQ(view.box().width(), AnnotationTextLayout::size(u"aにほん"_s, 24, {600, 400}).width);
     EXPECT_GT(view.inputMethodQuery(Qt::ImCursorRectangle).toRectF().left(), before);
-    compose({}, QStringLiteral("日本"));
-    EXPECT_EQ(view.string(), QStringLiteral("a日本"));
+    compose({}, u"日本"_s);
+    EXPECT_EQ(view.string(), u"a日本"_s);
 }
 
 TEST_F(AnnotationTextViewTests, aPressPlacesTheCaretWhereTheGlyphsArePaintedEvenOnSelectedText) {

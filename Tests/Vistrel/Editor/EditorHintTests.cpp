@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 using namespace EditorTestSupport;
 
 TEST(EditorHintTests, bubblesStandBesideTheControlInsideTheWindow) {
@@ -24,7 +26,7 @@ TEST(EditorHintTests, whatEndsTheHoverEndsTheHint) {
     window.resize(400, 300);
     EditorButton button(&window);
     button.setGeometry(20, 20, 40, 40);
-    button.setToolTip(QStringLiteral("Pen (P)"));
+    button.setToolTip(u"Pen (P)"_s);
     present(window);
     const std::pair<const char*, std::function<void()>> cases[] = {
         {"leave", [&] { leave(button); }},

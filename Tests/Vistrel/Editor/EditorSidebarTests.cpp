@@ -12,6 +12,8 @@
 #include <QWindow>
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 using namespace EditorTestSupport;
 
 class EditorSidebarTests : public ::testing::Test {
@@ -68,7 +70,7 @@ TEST_F(EditorSidebarTests, aThousandLayersNeedOnlyTheRowsInSight) {
         const int first = value / 32;
         for (int i = first; i < std::min(first + 5, 1000); ++i) {
             ASSERT_NE(sidebar.table().rowView(i), nullptr) << value;
-            EXPECT_EQ(row(i).label().text(), QStringLiteral("Text: %1").arg(999 - i));
+            EXPECT_EQ(row(i).label().text(), u"Text: %1"_s.arg(999 - i));
             EXPECT_EQ(row(i).y(), i * 32 + 1 - value);
         }
     }

@@ -4,11 +4,13 @@
 
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 using namespace EditorTestSupport;
 
 TEST(EditorSizeFieldTests, onlyWholeDecimalNumbersCount) {
-    EXPECT_EQ(EditorSizeField::number(QStringLiteral("007")), 7);
-    EXPECT_EQ(EditorSizeField::number(QStringLiteral("-999999999999")), -1'000'000'000);
+    EXPECT_EQ(EditorSizeField::number(u"007"_s), 7);
+    EXPECT_EQ(EditorSizeField::number(u"-999999999999"_s), -1'000'000'000);
     for (const char* text : {"+", " 5", "5 ", "٣"})
         EXPECT_EQ(EditorSizeField::number(QString::fromUtf8(text)), std::nullopt) << text;
 }
@@ -23,16 +25,16 @@ TEST(EditorSizeFieldTests, whatWasTypedIsReportedOnceAndNotOverwritten) {
     present(window);
     field.setFocus();
     field.selectAll();
-    QTest::keyClicks(&field, QStringLiteral("42"));
+    QTest::keyClicks(&field, u"42"_s);
     field.showSize(9);
-    EXPECT_EQ(field.text(), QStringLiteral("42")) << "it is still being typed";
+    EXPECT_EQ(field.text(), u"42"_s) << "it is still being typed";
     QTest::keyClick(&field, Qt::Key_Return);
     other.setFocus();
     EXPECT_EQ(commits, 1) << "nothing typed since";
     field.setFocus();
-    QTest::keyClicks(&field, QStringLiteral("5"));
+    QTest::keyClicks(&field, u"5"_s);
     other.setFocus();
     EXPECT_EQ(commits, 2);
     field.showSize(9);
-    EXPECT_EQ(field.text(), QStringLiteral("9"));
+    EXPECT_EQ(field.text(), u"9"_s);
 }

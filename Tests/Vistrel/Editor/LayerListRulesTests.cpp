@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 using EditorTestSupport::layer;
 
 namespace {
@@ -39,8 +41,7 @@ TEST(LayerListRulesTests, targetCountsFromTheOldestWithoutTheMovedLayer) {
 }
 
 TEST(LayerListRulesTests, rowsAreNewestFirstAndDifferOnlyInWhatTheyShow) {
-    std::vector<EditorAnnotation> layers = {layer(AnnotationTool::pen),
-                                            layer(AnnotationTool::text, QStringLiteral("a")),
+    std::vector<EditorAnnotation> layers = {layer(AnnotationTool::pen), layer(AnnotationTool::text, u"a"_s),
                                             layer(AnnotationTool::blur)};
     const std::vector<LayerRow> rows = LayerListRules::rows(layers);
     EXPECT_EQ(rows.front().id, layers.back().id);
@@ -50,7 +51,7 @@ TEST(LayerListRulesTests, rowsAreNewestFirstAndDifferOnlyInWhatTheyShow) {
     EXPECT_FALSE(LayerListRules::differ(rows, layers)) << "points and width are not shown";
 
     auto retyped = layers;
-    retyped[1].text = QStringLiteral("b");
+    retyped[1].text = u"b"_s;
     EXPECT_TRUE(LayerListRules::differ(rows, retyped));
     auto swapped = layers;
     std::swap(swapped[0], swapped[1]);

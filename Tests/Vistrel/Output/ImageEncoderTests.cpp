@@ -34,10 +34,6 @@ QImage cutOut(int width, int height) {
     return QImage(whole.constScanLine(7) + 4 * 9, width, height, whole.bytesPerLine(), QImage::Format_RGB32);
 }
 
-QImage premultipliedOpaque(int width, int height) {
-    return noise(width, height, QImage::Format_RGB32).convertToFormat(QImage::Format_ARGB32_Premultiplied);
-}
-
 QByteArray tightRGBA(const QImage& image) {
     const QImage straight = image.convertToFormat(QImage::Format_RGBA8888);
     QByteArray bytes;
@@ -74,12 +70,10 @@ struct PictureCase {
 const PictureCase pictureCases[] = {
     {"capture", capture, rgb},
     {"cutOut", cutOut, rgb},
-    {"premultipliedOpaque", premultipliedOpaque, rgb},
     {"straightAlpha", [](int w, int h) { return noise(w, h, QImage::Format_ARGB32); }, rgba},
     {"premultipliedAlpha", [](int w, int h) { return noise(w, h, QImage::Format_ARGB32_Premultiplied); },
      rgba},
     {"grey", [](int w, int h) { return noise(w, h, QImage::Format_Grayscale8); }, rgb},
-    {"threeBytes", [](int w, int h) { return noise(w, h, QImage::Format_RGB888); }, rgb},
     {"palette", [](int w, int h) { return noise(w, h, QImage::Format_Indexed8); }, rgba},
 };
 
@@ -174,7 +168,6 @@ TEST(ImageEncoder, WhatCannotBeEncodedIsAnError) {
         const auto file = ImageEncoder::encode(format, QImage());
         ASSERT_FALSE(file);
         EXPECT_EQ(file.error().domain, ImageEncoder::errorDomain);
-        EXPECT_FALSE(file.error().description.isEmpty());
     }
     // JPEG's sides end at 65,500 pixels.
     const auto tooWide = ImageEncoder::encode(ScreenshotSaveFormat::jpg, capture(70000, 1));

@@ -1,4 +1,3 @@
-#include "Output/DeflateEnd.h"
 #include "Output/ParallelDeflate.h"
 
 #include <QtEndian>
@@ -34,17 +33,6 @@ QByteArray inflated(const QByteArray& zlib, qsizetype size) {
     return qUncompress(withSize + zlib);
 }
 
-/// A raw stream from another compressor.
-QByteArray deflated(const QByteArray& bytes, int level) {
-    const QByteArray zlib = qCompress(bytes, level).mid(4);
-    return zlib.mid(2, zlib.size() - 6);
-}
-
-std::optional<DeflateEnd> endOf(const QByteArray& stream) {
-    return findDeflateEnd(reinterpret_cast<const std::uint8_t*>(stream.constData()),
-                          static_cast<std::size_t>(stream.size()));
-}
-
 } // namespace
 
 TEST(ParallelDeflate, PiecesBecomeOneStream) {
@@ -65,34 +53,5 @@ TEST(ParallelDeflate, PiecesBecomeOneStream) {
             ASSERT_TRUE(deflate.appendTo(stream)) << bytes.size();
             EXPECT_TRUE(inflated(stream, bytes.size()) == bytes) << bytes.size() << " at level " << level;
         }
-    }
-}
-
-TEST(DeflateEnd, IsFoundInWhatAnotherCompressorWrote) {
-    for (const Content kind : {Content::noise, Content::repeated, Content::text, Content::zeros}) {
-        for (const int level : {0, 1, 6, 9}) {
-            for (const qsizetype size : {1, 20, 1000, 200000}) {
-                const QByteArray stream = deflated(content(kind, size), level);
-                const auto end = endOf(stream);
-                ASSERT_TRUE(end) << level << ' ' << size;
-                EXPECT_EQ((end->end + 7) / 8, static_cast<std::size_t>(stream.size()));
-                EXPECT_LT(end->finalFlag, end->end);
-            }
-        }
-    }
-}
-
-TEST(DeflateEnd, DamageIsNoticedOrHarmless) {
-    const QByteArray stream = deflated(content(Content::text, 1200), 6);
-    for (qsizetype length = 0; length < stream.size(); ++length)
-        EXPECT_FALSE(endOf(stream.first(length))) << length;
-    std::mt19937 random(11);
-    for (int round = 0; round < 800; ++round) {
-        QByteArray damaged = stream;
-        for (int i = 0; i < 3; ++i)
-            damaged[static_cast<qsizetype>(random() % static_cast<unsigned>(stream.size()))] =
-                static_cast<char>(random());
-        const auto end = endOf(damaged);
-        EXPECT_TRUE(!end || end->end <= static_cast<std::size_t>(damaged.size()) * 8);
     }
 }

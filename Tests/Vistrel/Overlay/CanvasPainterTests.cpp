@@ -5,6 +5,8 @@
 #include <QPainter>
 #include <QRandomGenerator>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 /// A picture in which every pixel differs from its neighbours.
@@ -70,7 +72,7 @@ protected:
                             AnnotationTool::pixelate, AnnotationTool::blur,  AnnotationTool::text};
         double x = 40;
         for (const AnnotationTool tool : tools) {
-            add(tool, {{x, 60}, {x + 37.5, 91.25}}, 8).text = QStringLiteral("abc");
+            add(tool, {{x, 60}, {x + 37.5, 91.25}}, 8).text = u"abc"_s;
             x += 13.75;
         }
     }
@@ -164,8 +166,7 @@ TEST_F(CanvasPainterTests, theBadgeReadsTheExportedSize) {
         document.selection = {10.25, 10.25, 100.5, 50.5};
         EXPECT_EQ(layout().badge->text, QString::fromUtf16(text));
         const QSize exported = editor.output.outputImage()->size();
-        EXPECT_EQ(QStringLiteral("%1 × %2 px").arg(exported.width()).arg(exported.height()),
-                  QString::fromUtf16(text));
+        EXPECT_EQ(u"%1 × %2 px"_s.arg(exported.width()).arg(exported.height()), QString::fromUtf16(text));
     }
 }
 

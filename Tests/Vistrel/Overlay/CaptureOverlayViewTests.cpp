@@ -9,6 +9,8 @@
 #include <QTest>
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 class CaptureOverlayViewTests : public ::testing::Test {
@@ -39,10 +41,9 @@ protected:
 
     EmptyDefaults defaults;
     EditorPreferences preferences{defaults};
-    CaptureOverlayWindow window{
-        {.name = QStringLiteral("A"), .displayID = 1, .nativeRect = {0, 0, 1000, 800}, .scale = 1},
-        preferences,
-        Qt::FramelessWindowHint};
+    CaptureOverlayWindow window{{.name = u"A"_s, .displayID = 1, .nativeRect = {0, 0, 1000, 800}, .scale = 1},
+                                preferences,
+                                Qt::FramelessWindowHint};
     CaptureOverlayView& view = window.view();
     int closed = 0;
     QImage copied;
@@ -77,7 +78,7 @@ TEST_F(CaptureOverlayViewTests, paintsOnlyWhatAStepChanged) {
     QTest::keyClick(&view, Qt::Key_T);
     costs("a text begun", [&] { QTest::mouseClick(&view, Qt::LeftButton, {}, {300, 300}); });
     auto& text = control<AnnotationTextView>("annotationText");
-    costs("a letter", [&] { QTest::keyClicks(&text, QStringLiteral("a")); });
+    costs("a letter", [&] { QTest::keyClicks(&text, u"a"_s); });
     costs("a text committed", [&] { QTest::keyClick(&text, Qt::Key_Return, Qt::ControlModifier); });
     costs("undo", [&] { QTest::keyClick(&view, Qt::Key_Z, Qt::ControlModifier); });
 }

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+using namespace Qt::StringLiterals;
+
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
@@ -154,7 +156,7 @@ TEST_F(GestureMachineTests, aDoubleClickOutsideClosesAndDropsTheText) {
     document.tool = Tool::text;
     press({100, 100}, 2);
     ASSERT_TRUE(typed) << "inside is no way out";
-    typed->setup.text = QStringLiteral("lost");
+    typed->setup.text = u"lost"_s;
     press({10, 10}, 2);
     EXPECT_FALSE(typed);
     EXPECT_FALSE(document.drag);

@@ -4,6 +4,8 @@
 #include <QKeyEvent>
 #include <gmock/gmock.h>
 
+using namespace Qt::StringLiterals;
+
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
@@ -94,8 +96,8 @@ TEST_F(KeyCommandTests, whoHasTheKeyboard) {
 TEST_F(KeyCommandTests, aHeldKeyDoesNotCloseOrCopyAgain) {
     EXPECT_TRUE(editor.keys.keyDown({.keyCode = Key::escape, .characters = {}, .isRepeat = true}, {}));
     EXPECT_EQ(closed, 0);
-    EXPECT_TRUE(editor.keys.keyDown(
-        {.modifiers = Modifier::command, .characters = QStringLiteral("c"), .isRepeat = true}, {}));
+    EXPECT_TRUE(
+        editor.keys.keyDown({.modifiers = Modifier::command, .characters = u"c"_s, .isRepeat = true}, {}));
     EXPECT_TRUE(copied.isNull());
 }
 

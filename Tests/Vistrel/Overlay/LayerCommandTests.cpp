@@ -4,6 +4,8 @@
 
 #include <gmock/gmock.h>
 
+using namespace Qt::StringLiterals;
+
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
@@ -16,7 +18,7 @@ protected:
 
 TEST_F(LayerCommandTests, aTextLayerIsMeasuredAgain) {
     EditorAnnotation& layer = addSelected(AnnotationTool::text, {{300, 200}, {340, 220}}, 14);
-    layer.text = QStringLiteral("wide text that must wrap");
+    layer.text = u"wide text that must wrap"_s;
     editor.layers.setDrawingSize(40);
     const Rect box = layers().front().geometryBounds();
     const Size expected = AnnotationTextLayout::size(layers().front().text, 40, {50, 170});
@@ -88,12 +90,12 @@ TEST_F(LayerCommandTests, toolsStartAfreshWithEveryCapture) {
 
 TEST_F(LayerCommandTests, theSizesToolTipNamesWhatItIsTheSizeOf) {
     const auto toolTip = [this] { return ControlState::of(document).sizeToolTip; };
-    EXPECT_EQ(toolTip(), QStringLiteral("Stroke width (1–99)"));
+    EXPECT_EQ(toolTip(), u"Stroke width (1–99)"_s);
     addSelected(AnnotationTool::pixelate, {{60, 60}, {100, 100}});
-    EXPECT_EQ(toolTip(), QStringLiteral("Pixel block size (1–99)"));
+    EXPECT_EQ(toolTip(), u"Pixel block size (1–99)"_s);
     EXPECT_FALSE(ControlState::of(document).colorEnabled);
     document.tool = AnnotationTool::text;
-    EXPECT_EQ(toolTip(), QStringLiteral("Text size (1–99)"));
+    EXPECT_EQ(toolTip(), u"Text size (1–99)"_s);
     EXPECT_TRUE(ControlState::of(document).colorEnabled);
 }
 

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+using namespace Qt::StringLiterals;
+
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
@@ -20,7 +22,7 @@ protected:
     }
     /// Opens a text layer that a line lies upon; the state from before.
     EditorState edit() {
-        add(AnnotationTool::text, {{100, 100}, {150, 124}}, 24).text = QStringLiteral("hello");
+        add(AnnotationTool::text, {{100, 100}, {150, 124}}, 24).text = u"hello"_s;
         add(AnnotationTool::line, {{60, 60}, {70, 70}});
         const EditorState before = document.state;
         document.tool = AnnotationTool::select;
@@ -49,11 +51,11 @@ TEST_F(TextCommandTests, commitMakesALayerOfTheTextAsTyped) {
     editor.layers.stepSize(7);
     editor.layers.setDrawingColor(Qt::green);
     EXPECT_EQ(typed->timesFocused, 2) << "the keyboard goes back to the text";
-    typed->setup.text = QStringLiteral(" a\nb\n");
+    typed->setup.text = u" a\nb\n"_s;
     press({10, 10});
     EXPECT_FALSE(typed);
     ASSERT_EQ(layers().size(), 1U);
-    EXPECT_EQ(layers().front().text, QStringLiteral(" a\nb\n"));
+    EXPECT_EQ(layers().front().text, u" a\nb\n"_s);
     EXPECT_EQ(layers().front().points, (std::vector<Point>{{200, 131}, {250, 162}}));
     EXPECT_EQ(layers().front().size, 31);
     EXPECT_EQ(document.state.selectedID, layers().front().id);
@@ -66,17 +68,17 @@ TEST_F(TextCommandTests, commitMakesALayerOfTheTextAsTyped) {
 TEST_F(TextCommandTests, editingReplacesTheLayerInPlace) {
     const EditorState before = edit();
     EXPECT_EQ(typed->setup.anchor, (Point{100, 124}));
-    typed->setup.text = QStringLiteral("bye");
+    typed->setup.text = u"bye"_s;
     editor.text.commit();
     EXPECT_EQ(layers()[0].id, before.annotations[0].id);
-    EXPECT_EQ(layers()[0].text, QStringLiteral("bye"));
+    EXPECT_EQ(layers()[0].text, u"bye"_s);
     EXPECT_EQ(layers()[0].points, (std::vector<Point>{{100, 100}, {130, 124}}));
     EXPECT_EQ(undoSteps(), 1U);
 }
 
 TEST_F(TextCommandTests, emptyingATextDeletesItsLayer) {
     const EditorState before = edit();
-    typed->setup.text = QStringLiteral(" \n\t");
+    typed->setup.text = u" \n\t"_s;
     editor.text.commit();
     EXPECT_THAT(layers(), ElementsAre(before.annotations[1]));
     EXPECT_FALSE(document.state.selectedID);
@@ -119,7 +121,7 @@ TEST_F(TextCommandTests, everyCommandCommitsFirst) {
         document.state = {};
         document.tool = AnnotationTool::text;
         begin({200, 150});
-        typed->setup.text = QStringLiteral("x");
+        typed->setup.text = u"x"_s;
         command();
         EXPECT_FALSE(typed);
         EXPECT_EQ(layers().size(), 1U);

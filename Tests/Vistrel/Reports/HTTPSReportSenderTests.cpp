@@ -14,11 +14,13 @@
 
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 using Answer = TLSTestServer::Answer;
 
-const QUuid reportID(QStringLiteral("{0e984725-c51c-4bf4-9960-e1c80e27aba0}"));
+const QUuid reportID(u"{0e984725-c51c-4bf4-9960-e1c80e27aba0}"_s);
 const QByteArray report = R"({"comment":"ü","schema":2})";
 
 QByteArray receipt(const QUuid& id = reportID, const char* accepted = "true") {
@@ -53,7 +55,7 @@ protected:
 
     HTTPSReportSender::Configuration configuration() const { return {.tls = authority.trust()}; }
     HTTPSReportSender sender() const {
-        return HTTPSReportSender(server.url(QStringLiteral("/v1/reports")), configuration());
+        return HTTPSReportSender(server.url(u"/v1/reports"_s), configuration());
     }
     std::optional<ReportUploadError> send(const QByteArray& bytes = report) const {
         HTTPSReportSender one = sender();
@@ -137,7 +139,7 @@ TEST_F(HTTPSReportSenderTests, aCutConnectionIsOffline) {
 TEST_F(HTTPSReportSenderTests, silenceEndsTheUploadAndSoDoesTrickling) {
     HTTPSReportSender::Configuration impatient = configuration();
     impatient.requestTimeoutMS = 200;
-    const QUrl url = server.url(QStringLiteral("/v1/reports"));
+    const QUrl url = server.url(u"/v1/reports"_s);
     const Answer stall = [](QTcpSocket& socket, const auto&) {
         socket.write("HTTP/1.1 200 OK\r\nContent-Length: 200\r\n\r\n{\"accepted\"");
     };
@@ -177,7 +179,7 @@ TEST_F(HTTPSReportSenderTests, aCertificateThatDoesNotHoldIsNeverTalkedTo) {
         SCOPED_TRACE(name);
         TLSTestServer impostor(identity);
         impostor.answer = respond(200, receipt());
-        HTTPSReportSender one(impostor.url(QStringLiteral("/v1/reports")), configuration());
+        HTTPSReportSender one(impostor.url(u"/v1/reports"_s), configuration());
         EXPECT_EQ(outcome(one.send(report, reportID)), ReportUploadError::unavailable);
         EXPECT_TRUE(impostor.requests.empty());
     }
@@ -187,11 +189,9 @@ TEST_F(HTTPSReportSenderTests, plainHTTPIsNeverSpoken) {
     QTcpServer plain;
     ASSERT_TRUE(plain.listen(QHostAddress::LocalHost));
     const auto address = [&](const char* scheme) {
-        return QUrl(QStringLiteral("%1://127.0.0.1:%2/v1/reports")
-                        .arg(QLatin1StringView(scheme))
-                        .arg(plain.serverPort()));
+        return QUrl(u"%1://127.0.0.1:%2/v1/reports"_s.arg(QLatin1StringView(scheme)).arg(plain.serverPort()));
     };
-    for (const QUrl& url : {address("http"), address("ftp"), QUrl(QStringLiteral("/v1/reports")), QUrl()}) {
+    for (const QUrl& url : {address("http"), address("ftp"), QUrl(u"/v1/reports"_s), QUrl()}) {
         HTTPSReportSender one(url, configuration());
         const QFuture<Result<void>> future = one.send(report, reportID);
         EXPECT_TRUE(future.isFinished());
@@ -216,8 +216,7 @@ TEST_F(HTTPSReportSenderTests, theLargestReportIsSentAndOneByteMoreIsNot) {
 }
 
 TEST_F(HTTPSReportSenderTests, aSenderThatGoesEndsItsUploads) {
-    auto one =
-        std::make_unique<HTTPSReportSender>(server.url(QStringLiteral("/v1/reports")), configuration());
+    auto one = std::make_unique<HTTPSReportSender>(server.url(u"/v1/reports"_s), configuration());
     const QFuture<Result<void>> future = one->send(report, reportID);
     one.reset();
     ASSERT_TRUE(future.isFinished());
@@ -232,12 +231,12 @@ TEST(ReportEndpointTests, theInstalledProgramNamesTheService) {
     };
     for (const auto& [given, expected] : rows) {
         QTemporaryDir root;
-        ASSERT_TRUE(QDir(root.path()).mkpath(QStringLiteral("share/vistrel")));
-        QFile file(root.filePath(QStringLiteral("share/vistrel/Info.json")));
+        ASSERT_TRUE(QDir(root.path()).mkpath(u"share/vistrel"_s));
+        QFile file(root.filePath(u"share/vistrel/Info.json"_s));
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
         file.write("{\"VistrelReportURL\": \"" + QByteArray(given) + "\"}");
         file.close();
-        const ApplicationBundle bundle(root.filePath(QStringLiteral("bin/vistrel")));
+        const ApplicationBundle bundle(root.filePath(u"bin/vistrel"_s));
         EXPECT_EQ(HTTPSReportSender::endpoint(bundle).toString().toStdString(), expected);
     }
 }

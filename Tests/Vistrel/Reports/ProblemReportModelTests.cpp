@@ -14,6 +14,8 @@
 #include <deque>
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 using Action = Diagnostic::Action;
@@ -45,13 +47,12 @@ public:
 class ProblemReportModelTests : public ::testing::Test {
 protected:
     QTemporaryDir home;
-    FileUserDefaults defaults{home.filePath(QStringLiteral("defaults.json"))};
-    const QString folder = home.filePath(QStringLiteral("Diagnostics"));
-    LocalDiagnostics journal{defaults, {.directory = folder, .version = QStringLiteral("1.4.2")}};
+    FileUserDefaults defaults{home.filePath(u"defaults.json"_s)};
+    const QString folder = home.filePath(u"Diagnostics"_s);
+    LocalDiagnostics journal{defaults, {.directory = folder, .version = u"1.4.2"_s}};
     EditorPreferences preferences{defaults};
     HeldSender sender;
-    MachineFacts machine{QStringLiteral("12.0.0"), QStringLiteral("x86_64"), QStringLiteral("20XW0055GE"),
-                         false};
+    MachineFacts machine{u"12.0.0"_s, u"x86_64"_s, u"20XW0055GE"_s, false};
     std::unique_ptr<ProblemReportModel> model{
         new ProblemReportModel({.journal = journal,
                                 .preferences = preferences,
@@ -85,17 +86,14 @@ TEST_F(ProblemReportModelTests, theDocumentIsCompactSortedAndComplete) {
     journal.record(Action::copyRequested);
     preferences.setScalePercent(99.9);
     preferences.setSaveFormat(ScreenshotSaveFormat::jpg);
-    model->setMessage(QStringLiteral("It’s \"broken\"\n"));
+    model->setMessage(u"It’s \"broken\"\n"_s);
     press(1);
     QString bytes = QString::fromUtf8(sender.uploads.back().data);
     // What differs every time is told by its form.
-    bytes.replace(QRegularExpression(QStringLiteral(R"("\d{4}-\d\d-\d\dT\d\d:\d\d:\d\dZ")")),
-                  QStringLiteral("date"));
-    bytes.replace(UuidText::upperCase(sender.uploads.back().id), QStringLiteral("this report"));
-    bytes.replace(*defaults.string(QStringLiteral("diagnosticReportInstallationID")),
-                  QStringLiteral("this installation"));
-    bytes.replace(QRegularExpression(QStringLiteral(R"("[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}")")),
-                  QStringLiteral("launch"));
+    bytes.replace(QRegularExpression(uR"("\d{4}-\d\d-\d\dT\d\d:\d\d:\d\dZ")"_s), u"date"_s);
+    bytes.replace(UuidText::upperCase(sender.uploads.back().id), u"this report"_s);
+    bytes.replace(*defaults.string(u"diagnosticReportInstallationID"_s), u"this installation"_s);
+    bytes.replace(QRegularExpression(uR"("[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}")"_s), u"launch"_s);
     EXPECT_EQ(bytes.toStdString(),
               R"({"comment":"It’s \"broken\"\n","counts":{"copyRequested":1,"undo":1},"createdAt":date,)"
               R"("environment":{"architecture":"x86_64","displayCount":2,"hardwareModel":"20XW0055GE",)"
@@ -109,22 +107,21 @@ TEST_F(ProblemReportModelTests, theDocumentIsCompactSortedAndComplete) {
 
 TEST_F(ProblemReportModelTests, onePressOneUploadOneConfirmation) {
     model->send();
-    EXPECT_EQ(model->status(), QStringLiteral("Sending…"));
+    EXPECT_EQ(model->status(), u"Sending…"_s);
     press(1);
     press(1);
     EXPECT_EQ(sender.uploads.size(), 1U);
     fail(ReportUploadError::rateLimited);
-    EXPECT_EQ(model->status(), QStringLiteral("Too many reports. Please try again later."));
+    EXPECT_EQ(model->status(), u"Too many reports. Please try again later."_s);
     press(2);
     answer(tl::unexpected(cancelledError()));
-    EXPECT_EQ(model->status(), QStringLiteral("Couldn’t confirm delivery. Please try again."));
+    EXPECT_EQ(model->status(), u"Couldn’t confirm delivery. Please try again."_s);
     press(3);
     answer({});
     EXPECT_EQ(model->sentReportID(), sender.uploads.back().id);
-    const QString confirmation =
-        QStringLiteral("Report sent. ID: ") + UuidText::lowerCase(sender.uploads.back().id);
+    const QString confirmation = u"Report sent. ID: "_s + UuidText::lowerCase(sender.uploads.back().id);
     EXPECT_EQ(model->status(), confirmation);
-    model->setMessage(QStringLiteral("afterwards"));
+    model->setMessage(u"afterwards"_s);
     EXPECT_EQ(model->status(), confirmation);
     model->send();
     EXPECT_FALSE(model->working());
@@ -132,11 +129,11 @@ TEST_F(ProblemReportModelTests, onePressOneUploadOneConfirmation) {
 }
 
 TEST_F(ProblemReportModelTests, aRetrySendsTheSameBytesAndAnEditANewReport) {
-    model->setMessage(QStringLiteral("first"));
+    model->setMessage(u"first"_s);
     press(1);
     fail(ReportUploadError::offline);
     EXPECT_FALSE(model->sentReportID());
-    model->setMessage(QStringLiteral("first"));
+    model->setMessage(u"first"_s);
     EXPECT_FALSE(model->status().isEmpty()) << "nothing was edited";
     journal.record(Action::undo);
     press(2);
@@ -144,26 +141,26 @@ TEST_F(ProblemReportModelTests, aRetrySendsTheSameBytesAndAnEditANewReport) {
     EXPECT_EQ(sender.uploads[1].id, sender.uploads[0].id);
     fail(ReportUploadError::unavailable);
 
-    model->setMessage(QStringLiteral("second"));
+    model->setMessage(u"second"_s);
     EXPECT_EQ(model->status(), QString());
     press(3);
     EXPECT_NE(sender.uploads[2].id, sender.uploads[0].id);
-    EXPECT_EQ(document().value(QStringLiteral("comment")).toString(), QStringLiteral("second"));
+    EXPECT_EQ(document().value(u"comment"_s).toString(), u"second"_s);
 }
 
 TEST_F(ProblemReportModelTests, anEditBeforeTheJournalAnsweredIsSentAtTheNextAttempt) {
-    model->setMessage(QStringLiteral("before"));
+    model->setMessage(u"before"_s);
     model->send();
-    model->setMessage(QStringLiteral("meanwhile"));
+    model->setMessage(u"meanwhile"_s);
     process([&] { return sender.uploads.size() == 1; });
-    EXPECT_EQ(document().value(QStringLiteral("comment")).toString(), QStringLiteral("before"));
+    EXPECT_EQ(document().value(u"comment"_s).toString(), u"before"_s);
     fail(ReportUploadError::offline);
     press(2);
-    EXPECT_EQ(document().value(QStringLiteral("comment")).toString(), QStringLiteral("meanwhile"));
+    EXPECT_EQ(document().value(u"comment"_s).toString(), u"meanwhile"_s);
 }
 
 TEST_F(ProblemReportModelTests, aMalformedInstallationIdentifierIsReplacedOnce) {
-    const QString key = QStringLiteral("diagnosticReportInstallationID");
+    const QString key = u"diagnosticReportInstallationID"_s;
     for (const char* malformed : {"", "no identifier", "{0e984725-c51c-4bf4-9960-e1c80e27aba0}"}) {
         defaults.setString(key, QString::fromLatin1(malformed));
         const QUuid made = ProblemReportModel::installationID(defaults);
@@ -173,10 +170,10 @@ TEST_F(ProblemReportModelTests, aMalformedInstallationIdentifierIsReplacedOnce) 
 }
 
 TEST_F(ProblemReportModelTests, theCommentIsCutAtFiveThousandScalars) {
-    const QString pair = QStringLiteral("𝄞"); // two code units
+    const QString pair = u"𝄞"_s; // two code units
     model->setMessage(pair.repeated(4999) + QString(1000, u'x'));
     press(1);
-    EXPECT_EQ(document().value(QStringLiteral("comment")).toString(), pair.repeated(4999) + u'x');
+    EXPECT_EQ(document().value(u"comment"_s).toString(), pair.repeated(4999) + u'x');
     EXPECT_EQ(ProblemReportModel::limitedComment(pair), pair);
     EXPECT_EQ(ProblemReportModel::limitedComment(QString(5000, u'y') + u'z'), QString(5000, u'y'));
     EXPECT_EQ(ProblemReportModel::limitedComment(QString(6000, QChar(0xD834))).size(), 5000);
@@ -192,8 +189,7 @@ TEST_F(ProblemReportModelTests, aTellingMachineNameIsLeftOut) {
     EXPECT_FALSE(ProblemReportModel::hardwareModel(QString(127, u'x')));
     machine.productName.reset();
     press(1);
-    EXPECT_FALSE(
-        document().value(QStringLiteral("environment")).toObject().contains(QStringLiteral("hardwareModel")));
+    EXPECT_FALSE(document().value(u"environment"_s).toObject().contains(u"hardwareModel"_s));
 }
 
 TEST_F(ProblemReportModelTests, aModelThatIsGoneIsNotCalled) {
@@ -205,7 +201,7 @@ TEST_F(ProblemReportModelTests, aModelThatIsGoneIsNotCalled) {
 
 TEST(ProblemReportTests, crashDataHasItsPlaceInTheDocument) {
     ProblemReport report;
-    report.crash = ProblemReport::CrashSummary{.exception = QStringLiteral("E"),
+    report.crash = ProblemReport::CrashSummary{.exception = u"E"_s,
                                                .signal = std::nullopt,
                                                .terminationNamespace = std::nullopt,
                                                .terminationCode = 11,
@@ -218,18 +214,18 @@ TEST(ProblemReportTests, crashDataHasItsPlaceInTheDocument) {
 }
 
 TEST_F(ProblemReportModelTests, nothingOfAUsersWorkReachesTheJournalOrTheReport) {
-    const QString secret = QStringLiteral("Zebra7");
-    const QString path = home.path() + QStringLiteral("/Pictures/%1.png").arg(secret);
-    defaults.setString(QStringLiteral("lastFolder"), path);
-    machine.productName = secret + QStringLiteral("’s laptop");
+    const QString secret = u"Zebra7"_s;
+    const QString path = home.path() + u"/Pictures/%1.png"_s.arg(secret);
+    defaults.setString(u"lastFolder"_s, path);
+    machine.productName = secret + u"’s laptop"_s;
     // What the system says about a failing save names the file.
-    const Error told{ErrorDomain::system, ENOENT, path + QStringLiteral(": No such file")};
+    const Error told{ErrorDomain::system, ENOENT, path + u": No such file"_s};
     journal.record(Action::saveFailed, LocalDiagnostics::error(told, Diagnostic::ErrorKind::encoding));
     press(1);
     const QByteArray bytes =
-        sender.uploads.back().data + Files::read(folder + QStringLiteral("/events.jsonl"), 1 << 20).value();
+        sender.uploads.back().data + Files::read(folder + u"/events.jsonl"_s, 1 << 20).value();
     EXPECT_TRUE(bytes.contains("saveFailed"));
-    for (const QString& word : {secret, home.path(), QStringLiteral("Pictures")})
+    for (const QString& word : {secret, home.path(), u"Pictures"_s})
         EXPECT_FALSE(bytes.contains(word.toUtf8())) << word.toStdString();
 }
 

@@ -9,9 +9,11 @@
 
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-const QString identifier = QStringLiteral("0E984725-C51C-4BF4-9960-E1C80E27ABA0");
+const QString identifier = u"0E984725-C51C-4BF4-9960-E1C80E27ABA0"_s;
 constexpr qint64 present = 1772366400;
 constexpr qint64 week = 604800;
 
@@ -23,14 +25,14 @@ QStringList entries(const QString& folder) {
 TEST(ReportDraftFilesTests, onlyDraftsOlderThanAWeekGo) {
     const std::pair<QString, bool> rows[] = {
         {QString::number(present - week - 86400) + u'-' + identifier.toLower(), false},
-        {QStringLiteral("1000.5-") + identifier, false},
-        {QStringLiteral("1e3-") + identifier, false},
+        {u"1000.5-"_s + identifier, false},
+        {u"1e3-"_s + identifier, false},
         {QString::number(present - week) + u'-' + identifier, true},
-        {QStringLiteral("1000-") + identifier + QStringLiteral(".json"), true},
-        {QStringLiteral("1000-notes"), true},
-        {QStringLiteral("-1000-") + identifier, true},
-        {QStringLiteral("nan-") + identifier, true},
-        {QStringLiteral(" 1000-") + identifier, true},
+        {u"1000-"_s + identifier + u".json"_s, true},
+        {u"1000-notes"_s, true},
+        {u"-1000-"_s + identifier, true},
+        {u"nan-"_s + identifier, true},
+        {u" 1000-"_s + identifier, true},
     };
     QTemporaryDir folder;
     QStringList kept;
@@ -51,15 +53,15 @@ TEST(ReportDraftFilesTests, aDraftFolderGoesWholeAndALinkGoesAlone) {
     QTemporaryDir cache;
     const ScopedEnvironment environment("XDG_CACHE_HOME", QFile::encodeName(cache.path()));
     ReportDraftFiles::prune(); // nothing there yet
-    const QDir drafts(cache.filePath(QStringLiteral("Vistrel/ReportDrafts")));
-    const QString elsewhere = cache.filePath(QStringLiteral("precious"));
+    const QDir drafts(cache.filePath(u"Vistrel/ReportDrafts"_s));
+    const QString elsewhere = cache.filePath(u"precious"_s);
     ASSERT_TRUE(QDir().mkpath(elsewhere));
-    ASSERT_TRUE(writeAtomically(elsewhere + QStringLiteral("/file"), "x"));
-    ASSERT_TRUE(drafts.mkpath(QStringLiteral("1000-") + identifier + QStringLiteral("/inner")));
-    ASSERT_TRUE(QFile::link(elsewhere, drafts.filePath(QStringLiteral("2000-") + identifier)));
+    ASSERT_TRUE(writeAtomically(elsewhere + u"/file"_s, "x"));
+    ASSERT_TRUE(drafts.mkpath(u"1000-"_s + identifier + u"/inner"_s));
+    ASSERT_TRUE(QFile::link(elsewhere, drafts.filePath(u"2000-"_s + identifier)));
     ReportDraftFiles::prune();
     EXPECT_EQ(entries(drafts.path()), QStringList());
-    EXPECT_TRUE(QFile::exists(elsewhere + QStringLiteral("/file")));
+    EXPECT_TRUE(QFile::exists(elsewhere + u"/file"_s));
 }
 
 } // namespace

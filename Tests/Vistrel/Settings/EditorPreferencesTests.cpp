@@ -11,6 +11,8 @@
 #include <gtest/gtest.h>
 #include <limits>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 struct StoredCase {
@@ -75,7 +77,7 @@ TEST(EditorPreferencesTests, readsAndMigratesWhatIsStored) {
 
 TEST(EditorPreferencesTests, whatIsAssignedIsHeldToItsRangeAndStored) {
     QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("defaults.json"));
+    const QString path = folder.filePath(u"defaults.json"_s);
     constexpr double infinite = std::numeric_limits<double>::infinity();
     {
         FileUserDefaults defaults(path);
@@ -87,16 +89,16 @@ TEST(EditorPreferencesTests, whatIsAssignedIsHeldToItsRangeAndStored) {
                                           {-infinite, 100.0}}) {
             preferences.setScalePercent(given);
             EXPECT_EQ(preferences.scalePercent(), kept);
-            EXPECT_EQ(defaults.number(QStringLiteral("editorPanelScalePercentV2")), kept);
+            EXPECT_EQ(defaults.number(u"editorPanelScalePercentV2"_s), kept);
         }
         preferences.setDoubleClickOutsideToCancel(false);
         preferences.setDownscaleRetinaScreenshots(false);
         preferences.setSaveFormat(jpg);
     }
-    EXPECT_EQ(stored(path), (QJsonObject{{QStringLiteral("editorPanelScalePercentV2"), 100},
-                                         {QStringLiteral("doubleClickOutsideToCancel"), false},
-                                         {QStringLiteral("downscaleRetinaScreenshots"), false},
-                                         {QStringLiteral("screenshotSaveFormat"), QStringLiteral("jpg")}}));
+    EXPECT_EQ(stored(path), (QJsonObject{{u"editorPanelScalePercentV2"_s, 100},
+                                         {u"doubleClickOutsideToCancel"_s, false},
+                                         {u"downscaleRetinaScreenshots"_s, false},
+                                         {u"screenshotSaveFormat"_s, u"jpg"_s}}));
 }
 
 } // namespace

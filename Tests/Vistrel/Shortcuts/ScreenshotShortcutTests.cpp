@@ -2,18 +2,19 @@
 
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-const ScreenshotShortcut standard{25, 768, QStringLiteral("9")};
-const ScreenshotShortcut commandShiftP{35, 768, QStringLiteral("P")};
-const ScreenshotShortcut controlF{3, 4096, QStringLiteral("F")};
+const ScreenshotShortcut standard{25, 768, u"9"_s};
+const ScreenshotShortcut commandShiftP{35, 768, u"P"_s};
+const ScreenshotShortcut controlF{3, 4096, u"F"_s};
 
 TEST(ScreenshotShortcut, JSONKeepsItsOrderAndItsText) {
     EXPECT_EQ(
         ScreenshotShortcut::encodeList({standard, controlF}),
         R"([{"keyCode":25,"modifiers":768,"keyLabel":"9"},{"keyCode":3,"modifiers":4096,"keyLabel":"F"}])");
-    for (const QString& label :
-         {QStringLiteral("\""), QStringLiteral("\\"), QStringLiteral("Ö"), QString()}) {
+    for (const QString& label : {u"\""_s, u"\\"_s, u"Ö"_s, QString()}) {
         const ScreenshotShortcut shortcut{4294967295U, 256, label};
         EXPECT_EQ(ScreenshotShortcut::decode(shortcut.encode()), shortcut);
     }
@@ -46,7 +47,7 @@ TEST(ScreenshotShortcut, TheInitialSetIsExactlyOne) {
           {"emptyList", "[]", controlF.encode(), controlF},
           {"brokenList", "[{}]", controlF.encode(), controlF},
           {"brokenBoth", "x", "{}", standard},
-          {"otherLabelIsNotTheDefault", labelledOtherwise, {}, {25, 768, QStringLiteral("(")}}})
+          {"otherLabelIsNotTheDefault", labelledOtherwise, {}, {25, 768, u"("_s}}})
         EXPECT_EQ(ScreenshotShortcut::initialSet(row.saved, row.legacy), std::vector{row.expected})
             << row.name;
 }

@@ -41,11 +41,10 @@ public:
                                     .askToOpenLoginItems = {}};
     }
     /// The settings window on a tab, for a user past the setup.
-    SettingsTabsView& openSettings(SettingsTab tab) {
+    void openSettings(SettingsTab tab) {
         completeSetup();
         open();
         settings->present(tab);
-        return settings->tabs();
     }
 
     template<class Widget = QAbstractButton>
@@ -64,6 +63,7 @@ public:
         for (int round = 0; round < 3; ++round)
             QApplication::processEvents();
     }
+
     Sender sender;
     std::unique_ptr<PanelSources> sources;
     std::unique_ptr<SettingsWindow> settings;
