@@ -2,42 +2,15 @@
 
 #include <gtest/gtest.h>
 
-namespace {
-
-void expectNear(const Rect& actual, const Rect& expected, double tolerance = 1e-9) {
-    EXPECT_NEAR(actual.x, expected.x, tolerance);
-    EXPECT_NEAR(actual.y, expected.y, tolerance);
-    EXPECT_NEAR(actual.width, expected.width, tolerance);
-    EXPECT_NEAR(actual.height, expected.height, tolerance);
-}
-
-template<class Case>
-std::string caseName(const ::testing::TestParamInfo<Case>& info) {
-    return info.param.name;
-}
-
-constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
-
-} // namespace
-
-struct PixelRectCase {
-    const char* name;
-    Rect selection;
-    Size view;
-    Size image;
-    Rect expected;
-};
-
-class PixelRect : public ::testing::TestWithParam<PixelRectCase> {};
-
-TEST_P(PixelRect, touchesTheRightPixels) {
-    const PixelRectCase& c = GetParam();
-    EXPECT_EQ(CaptureGeometry::pixelRect(c.selection, c.view, c.image), c.expected);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    CaptureGeometry, PixelRect,
-    ::testing::ValuesIn(std::vector<PixelRectCase>{
+TEST(CaptureGeometry, aSelectionTouchesTheRightPixels) {
+    constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+    const struct {
+        const char* name;
+        Rect selection;
+        Size view;
+        Size image;
+        Rect expected;
+    } rows[] = {
         {"fractionalEdgesGrow", {0.4, 0.4, 10.2, 10.2}, {100, 100}, {200, 200}, {0, 178, 22, 22}},
         {"wholeEdgesStay", {10, 20, 30, 40}, {100, 100}, {200, 200}, {20, 80, 60, 80}},
         {"wholeView", {0, 0, 100, 50}, {100, 50}, {200, 100}, {0, 0, 200, 100}},
@@ -52,8 +25,10 @@ INSTANTIATE_TEST_SUITE_P(
         {"viewThatIsNoNumber", {0, 0, 5, 5}, {notANumber, 100}, {200, 200}, {}},
         {"selectionThatIsNoNumber", {notANumber, 0, 5, 5}, {100, 100}, {200, 200}, {}},
         {"badgeExample", {10.25, 10.25, 100.5, 50.5}, {200, 100}, {400, 200}, {20, 78, 202, 102}},
-    }),
-    caseName<PixelRectCase>);
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(CaptureGeometry::pixelRect(row.selection, row.view, row.image), row.expected) << row.name;
+}
 
 TEST(CaptureGeometry, selectionOnPixelBordersKeepsItsPixelsAtEveryScale) {
     for (const double scale : {1.0, 1.1, 1.25, 1.4, 1.5, 1.75, 2.25, 3.0}) {
@@ -68,24 +43,14 @@ TEST(CaptureGeometry, selectionOnPixelBordersKeepsItsPixelsAtEveryScale) {
     }
 }
 
-struct LabelCase {
-    const char* name;
-    Rect selection;
-    Size label;
-    Rect bounds;
-    Rect expected;
-};
-
-class LabelRect : public ::testing::TestWithParam<LabelCase> {};
-
-TEST_P(LabelRect, staysWithinTheBounds) {
-    const LabelCase& c = GetParam();
-    expectNear(CaptureGeometry::labelRect(c.selection, c.label, c.bounds), c.expected);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    CaptureGeometry, LabelRect,
-    ::testing::ValuesIn(std::vector<LabelCase>{
+TEST(CaptureGeometry, theLabelStaysWithinTheBounds) {
+    const struct {
+        const char* name;
+        Rect selection;
+        Size label;
+        Rect bounds;
+        Rect expected;
+    } rows[] = {
         {"above", {40, 40, 40, 20}, {20, 10}, {0, 0, 200, 100}, {50, 66, 20, 10}},
         {"justFitsAbove", {40, 40, 40, 44}, {20, 10}, {0, 0, 200, 100}, {50, 90, 20, 10}},
         {"insideTop", {40, 40, 40, 44.5}, {20, 10}, {0, 0, 200, 100}, {50, 68.5, 20, 10}},
@@ -94,36 +59,27 @@ INSTANTIATE_TEST_SUITE_P(
         {"widerThanBounds", {0, 0, 10, 10}, {90, 5}, {5, 5, 50, 50}, {5, 16, 50, 5}},
         {"tallerThanBounds", {0, 0, 10, 10}, {9, 90}, {0, 0, 50, 50}, {0.5, 0, 9, 50}},
         {"belowBottom", {0, -80, 10, 10}, {10, 10}, {0, 0, 50, 50}, {0, 0, 10, 10}},
-    }),
-    caseName<LabelCase>);
-
-struct SpanCase {
-    const char* name;
-    Point from;
-    Point to;
-    Rect expected;
-};
-
-class SpannedRect : public ::testing::TestWithParam<SpanCase> {};
-
-TEST_P(SpannedRect, liesWithinTheBounds) {
-    const SpanCase& c = GetParam();
-    EXPECT_EQ(CaptureGeometry::rectBetween(c.from, c.to, {10, 20, 100, 50}), c.expected);
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(CaptureGeometry::labelRect(row.selection, row.label, row.bounds), row.expected) << row.name;
 }
 
-INSTANTIATE_TEST_SUITE_P(CaptureGeometry, SpannedRect,
-                         ::testing::ValuesIn(std::vector<SpanCase>{
-                             {"inside", {30, 60}, {20, 40}, {20, 40, 10, 20}},
-                             {"across", {0, 0}, {500, 500}, {10, 20, 100, 50}},
-                             {"bothBeyondTheRightEdge", {200, 30}, {300, 40}, {110, 30, 0, 10}},
-                             {"bothBelow", {30, -5}, {40, 0}, {30, 20, 10, 0}},
-                         }),
-                         caseName<SpanCase>);
-
-TEST(CaptureGeometry, clampedPointMayLieOnEveryEdge) {
+TEST(CaptureGeometry, pointsAndWhatTheySpanLieWithinTheBounds) {
     const Rect rect = {10, 20, 100, 50};
-    EXPECT_EQ(CaptureGeometry::clamped({50, 30}, rect), (Point{50, 30}));
-    EXPECT_EQ(CaptureGeometry::clamped({110, 70}, rect), (Point{110, 70}));
+    const struct {
+        const char* name;
+        Point from;
+        Point to;
+        Rect expected;
+    } rows[] = {
+        {"inside", {30, 60}, {20, 40}, {20, 40, 10, 20}},
+        {"across", {0, 0}, {500, 500}, rect},
+        {"bothBeyondTheRightEdge", {200, 30}, {300, 40}, {110, 30, 0, 10}},
+        {"bothBelow", {30, -5}, {40, 0}, {30, 20, 10, 0}},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(CaptureGeometry::rectBetween(row.from, row.to, rect), row.expected) << row.name;
+    EXPECT_EQ(CaptureGeometry::clamped({110, 70}, rect), (Point{110, 70})) << "on the edge";
     EXPECT_EQ(CaptureGeometry::clamped({-5, 500}, rect), (Point{10, 70}));
     EXPECT_EQ(CaptureGeometry::clamped({500, -5}, {7, 8, 0, 0}), (Point{7, 8}));
 }
@@ -133,7 +89,7 @@ TEST(Geometry, rectanglesFollowTheirEdgeRules) {
     EXPECT_TRUE(rect.contains(Point{0, 0}));
     EXPECT_FALSE(rect.contains(Point{10, 5}));
     EXPECT_FALSE((Rect{0, 0, 0, 10}).contains(Point{0, 5}));
-    EXPECT_TRUE(rect.contains(Rect{0, 0, 10, 10}));
+    EXPECT_TRUE(rect.contains(rect));
     EXPECT_FALSE(rect.contains(Rect{1, 1, 10, 1}));
     EXPECT_FALSE(rect.intersects(Rect{10, 0, 5, 5}));
     EXPECT_TRUE(rect.intersects(Rect{12, 5, -5, 2}));

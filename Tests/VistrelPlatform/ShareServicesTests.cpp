@@ -1,4 +1,3 @@
-#include "VistrelPlatform/Freedesktop/DefaultApplications.h"
 #include "VistrelPlatform/Freedesktop/ShareApplications.h"
 #include "VistrelPlatform/Freedesktop/ShareDesktopServices.h"
 #include "VistrelPlatform/ShareTestBus.h"
@@ -132,16 +131,4 @@ TEST_F(ShareServicesTests, whatCanOpenPicturesIsListedAndSharedWithOnceItStarted
     });
     EXPECT_TRUE(shares("org.example.Bus"));
     EXPECT_TRUE(opened.size() == 1 && opened.first().endsWith(u"/name.png"));
-}
-
-TEST(ShareDefaultApplications, theRunningDesktopsPageComesFirst) {
-    for (const auto& [desktop, first] : {std::pair("ubuntu:GNOME", "gnome-control-center default-apps"),
-                                         {"X-Cinnamon", "cinnamon-settings default"},
-                                         {"XFCE", "xfce4-mime-settings"}})
-        EXPECT_EQ(DefaultApplications::settingsCommands(QLatin1String(desktop)).front().join(u' '),
-                  QLatin1String(first));
-    // Every desktop's page is tried in the end, the running one's front page before others'.
-    const auto commands = DefaultApplications::settingsCommands(u"XFCE"_s);
-    EXPECT_EQ(commands.at(1), QStringList(u"xfce4-settings-manager"_s));
-    EXPECT_GT(commands.size(), 8U);
 }

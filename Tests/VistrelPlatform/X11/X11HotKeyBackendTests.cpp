@@ -89,15 +89,6 @@ TEST_F(X11HotKeyBackendTest, AHeldKeyFiresOnce) {
     EXPECT_EQ(pressedSoFar(), Presses{1});
 }
 
-TEST_F(X11HotKeyBackendTest, ServesWhileAnotherProgramHoldsTheKeyboard) {
-    ASSERT_EQ(backend->registerHotKey(nine, superShift, 3), hotKeyRegistered);
-    ASSERT_TRUE(client.grabKeyboard());
-    input.chord(superShift | Modifier::option, nine);
-    EXPECT_EQ(press(), Presses{3});
-    client.ungrabKeyboard();
-    EXPECT_EQ(press(), Presses{3});
-}
-
 TEST_F(X11HotKeyBackendTest, AChordIsHadAsAWholeOrNotAtAllAndGivenUpAgain) {
     // Another program holds one of the lock variants only.
     ASSERT_EQ(client.grabKey(superShiftState | XCB_MOD_MASK_2, nineCode), 0);

@@ -79,19 +79,6 @@ TEST_F(X11ScreenCapturerTest, TakesExactPixelsOfEveryMonitorOnThreadsOfTheirOwn)
     const std::jthread two(work, "two", client.atom("two"), right);
 }
 
-TEST_F(X11ScreenCapturerTest, ReducesTheExportAndKeepsThePresentation) {
-    const auto captured = prepared("one")->capture({500, 350});
-    ASSERT_TRUE(captured);
-    EXPECT_EQ(opaque(captured->presentation), background.copy(left));
-    ASSERT_EQ(captured->image.size(), QSize(500, 350));
-    for (const QPoint pixel : {QPoint(0, 0), QPoint(499, 349), QPoint(123, 45)}) {
-        int sum = 0;
-        for (const QPoint offset : {QPoint(0, 0), QPoint(1, 0), QPoint(0, 1), QPoint(1, 1)})
-            sum += qGreen(background.pixel(2 * pixel + offset));
-        EXPECT_EQ(qGreen(captured->image.pixel(pixel)), (sum + 2) / 4);
-    }
-}
-
 TEST_F(X11ScreenCapturerTest, NeverOverwritesAPictureInUse) {
     const auto filter = prepared("one");
     QImage first = filter->capture(leftSize)->image;
