@@ -60,7 +60,7 @@ struct Scene {
 constexpr double scales[] = {1, 1.25, 2};
 
 Scene noisyScene(double scale = 1, QSize size = {320, 240}) {
-    return {TestPictures::noise(size, 11), scale};
+    return {noise(size, 11), scale};
 }
 
 Scene plainScene(double scale = 1, QSize size = {320, 240}) {
@@ -265,7 +265,7 @@ TEST(AnnotationRenderer, keptPixelsAreNeverOutdated) {
         [&] { layers.push_back(manyLayers(scene, unsigned(random()), 9)[any(9)]); },
         [&] { std::swap(anyLayer(), anyLayer()); },
         [&] { scene.selection = scene.view(QRect(int(any(80)), int(any(80)), 160, 110)); },
-        [&] { scene.image = TestPictures::noise(scene.image.size(), unsigned(random())); },
+        [&] { scene.image = noise(scene.image.size(), unsigned(random())); },
     };
     for (int round = 0; round < 50; ++round) {
         const std::size_t edit = any(edits.size());

@@ -1,6 +1,8 @@
 #include "Annotations/EffectFilters.h"
 #include "Vistrel/Annotations/TestPictures.h"
 
+#include <QPainter>
+
 #include <gtest/gtest.h>
 
 using EffectFilters::Blocks;
@@ -11,17 +13,18 @@ EffectFilters::Source wholeOf(const QImage& image) {
     return {image, {}, image.size()};
 }
 
-struct BlurCase {
-    const char* name;
-    QImage image;
-};
+QImage blackOrWhite(QSize size, unsigned seed) {
+    return noise(size, seed)
+        .convertToFormat(QImage::Format_Mono, Qt::ThresholdDither)
+        .convertToFormat(QImage::Format_RGB32);
+}
 
-std::vector<BlurCase> blurCases() {
+} // namespace
+
+TEST(EffectFilters, blurIsWithinOneLevelOfTheExactConvolution) {
     QImage step(230, 90, QImage::Format_RGB32);
     step.fill(Qt::black);
-    for (int y = 0; y < step.height(); ++y)
-        for (int x = 115; x < step.width(); ++x)
-            step.setPixel(x, y, qRgb(255, 255, 255));
+    QPainter(&step).fillRect(115, 0, 115, 90, Qt::white);
     QImage corner(120, 120, QImage::Format_RGB32);
     corner.fill(Qt::black);
     corner.setPixel(0, 0, qRgb(255, 255, 255));
@@ -29,29 +32,26 @@ std::vector<BlurCase> blurCases() {
     for (int y = 0; y < stripes.height(); ++y)
         for (int x = 0; x < stripes.width(); ++x)
             stripes.setPixel(x, y, x % 4 == 0 ? qRgb(255, 255, 255) : qRgb(0, y % 4 == 3 ? 255 : 0, 0));
-    return {{"noise", TestPictures::noise({211, 157}, 1)},
-            {"contrast", TestPictures::blackOrWhite({190, 130}, 2)},
-            {"step", step},
-            {"brightCorner", corner},
-            {"linesOnTheKeptRaster", stripes},
-            {"narrow", TestPictures::noise({3, 170}, 3)},
-            {"onePixel", TestPictures::noise({1, 1}, 4)},
-            {"smallerThanTheKernel", TestPictures::blackOrWhite({17, 29}, 5)}};
-}
-
-} // namespace
-
-TEST(EffectFilters, blurIsWithinOneLevelOfTheExactConvolution) {
-    for (const BlurCase& c : blurCases()) {
-        const QImage exact = TestPictures::exactBlur(c.image, EffectFilters::blurSigma);
-        const QImage blurred = EffectFilters::blur(wholeOf(c.image), c.image.rect());
-        EXPECT_LE(TestPictures::largestDifference(blurred, exact), 1) << c.name;
-        EXPECT_EQ(qAlpha(blurred.pixel(0, 0)), 255) << c.name;
+    const std::pair<const char*, QImage> cases[] = {
+        {"noise", noise({211, 157}, 1)},
+        {"contrast", blackOrWhite({190, 130}, 2)},
+        {"step", step},
+        {"brightCorner", corner},
+        {"linesOnTheKeptRaster", stripes},
+        {"narrow", noise({3, 170}, 3)},
+        {"onePixel", noise({1, 1}, 4)},
+        {"smallerThanTheKernel", blackOrWhite({17, 29}, 5)},
+    };
+    for (const auto& [name, image] : cases) {
+        const QImage blurred = EffectFilters::blur(wholeOf(image), image.rect());
+        const QImage exact = TestPictures::exactBlur(image, EffectFilters::blurSigma);
+        EXPECT_LE(TestPictures::largestDifference(blurred, exact), 1) << name;
+        EXPECT_EQ(qAlpha(blurred.pixel(0, 0)), 255) << name;
     }
 }
 
 TEST(EffectFilters, blurOfPartsIsThePartOfTheBlur) {
-    const QImage image = TestPictures::blackOrWhite({700, 420}, 6);
+    const QImage image = blackOrWhite({700, 420}, 6);
     const QImage whole = EffectFilters::blurOnOneThread(wholeOf(image), image.rect());
     EXPECT_EQ(EffectFilters::blur(wholeOf(image), image.rect()), whole);
     for (const QRect& area :
@@ -63,23 +63,19 @@ TEST(EffectFilters, blurOfPartsIsThePartOfTheBlur) {
     }
 }
 
-struct BlocksCase {
-    double wanted;
-    double edge;
-    std::vector<int> starts;
-};
-
 TEST(EffectFilters, blocksStartOnWholePixels) {
-    const BlocksCase cases[] = {
-        {12, 12, {0, 12, 24, 36}},    {11.9999999, 12, {0, 12, 24, 36}},
-        {0.3, 1, {0, 1, 2, 3}},       {std::numeric_limits<double>::quiet_NaN(), 1, {0, 1, 2, 3}},
-        {2.5, 2.5, {0, 3, 5, 8, 10}}, {7.2, 7.2, {0, 7, 14, 22, 29}},
+    using Starts = std::vector<int>;
+    const std::tuple<double, double, Starts> cases[] = {
+        {11.9999999, 12, {0, 12, 24, 36}},
+        {0.3, 1, {0, 1, 2, 3}},
+        {std::numeric_limits<double>::quiet_NaN(), 1, {0, 1, 2, 3}},
+        {2.5, 2.5, {0, 3, 5, 8}},
+        {7.2, 7.2, {0, 7, 14, 22}},
     };
-    for (const BlocksCase& c : cases) {
-        const Blocks blocks = Blocks::ofEdge(c.wanted);
-        EXPECT_EQ(blocks.edge, c.edge);
-        for (int i = 0; i < static_cast<int>(c.starts.size()); ++i)
-            EXPECT_EQ(blocks.start(i), c.starts[static_cast<std::size_t>(i)]) << c.wanted;
+    for (const auto& [wanted, edge, starts] : cases) {
+        const Blocks blocks = Blocks::ofEdge(wanted);
+        EXPECT_EQ(blocks.edge, edge);
+        EXPECT_EQ((Starts{blocks.start(0), blocks.start(1), blocks.start(2), blocks.start(3)}), starts);
         for (int pixel = 0; pixel < 500; ++pixel) {
             const int index = blocks.indexAt(pixel);
             EXPECT_TRUE(blocks.start(index) <= pixel && pixel < blocks.start(index + 1)) << pixel;
@@ -88,7 +84,7 @@ TEST(EffectFilters, blocksStartOnWholePixels) {
 }
 
 TEST(EffectFilters, everyBlockGetsTheMeanOfItsPixelsInThePicture) {
-    const QImage image = TestPictures::noise({67, 45}, 8);
+    const QImage image = noise({67, 45}, 8);
     for (const double edge : {1.0, 2.0, 2.5, 7.0, 12.0, 99.0}) {
         const Blocks blocks = Blocks::ofEdge(edge);
         const QImage result = EffectFilters::pixelate(wholeOf(image), image.rect(), blocks);

@@ -1,7 +1,6 @@
 #include "Vistrel/Annotations/TestPictures.h"
 
 #include <cmath>
-#include <random>
 #include <vector>
 
 namespace {
@@ -54,24 +53,6 @@ void blurRow(const double* from, double* to, int width, const std::vector<double
 
 } // namespace
 
-QImage TestPictures::noise(QSize size, unsigned seed) {
-    std::mt19937 random(seed);
-    QImage image(size, QImage::Format_RGB32);
-    for (int y = 0; y < size.height(); ++y)
-        for (int x = 0; x < size.width(); ++x)
-            image.setPixel(x, y, static_cast<QRgb>(random()) | 0xff000000U);
-    return image;
-}
-
-QImage TestPictures::blackOrWhite(QSize size, unsigned seed) {
-    std::mt19937 random(seed);
-    QImage image(size, QImage::Format_RGB32);
-    for (int y = 0; y < size.height(); ++y)
-        for (int x = 0; x < size.width(); ++x)
-            image.setPixel(x, y, random() % 2 ? qRgb(255, 255, 255) : qRgb(0, 0, 0));
-    return image;
-}
-
 QImage TestPictures::exactBlur(const QImage& image, double sigma) {
     std::vector<double> weights;
     double sum = -1;
@@ -116,20 +97,4 @@ QImage TestPictures::exactBlocks(const QImage& image, EffectFilters::Blocks bloc
             }
         }
     return rounded(planes);
-}
-
-int TestPictures::largestDifference(const QImage& a, const QImage& b) {
-    return a.size() == b.size() ? largestDifference(a, b, a.rect()) : 256;
-}
-
-int TestPictures::largestDifference(const QImage& a, const QImage& b, const QRect& within) {
-    int largest = 0;
-    for (int y = within.top(); y <= within.bottom(); ++y)
-        for (int x = within.left(); x <= within.right(); ++x) {
-            const QRgb p = a.pixel(x, y);
-            const QRgb q = b.pixel(x, y);
-            for (const int shift : {0, 8, 16})
-                largest = std::max(largest, std::abs(int(p >> shift & 255) - int(q >> shift & 255)));
-        }
-    return largest;
 }

@@ -2,10 +2,6 @@
 
 #include "VistrelPlatform/System/UuidText.h"
 
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QRegularExpression>
-
 #include <limits>
 #include <thread>
 

@@ -6,20 +6,6 @@
 
 using namespace Qt::StringLiterals;
 
-TEST(EditorIconsTests, picturesAreChosenByTheirSizeOnTheScreen) {
-    struct VariantCase {
-        double size, ratio;
-        int expected;
-    };
-    for (const VariantCase& c :
-         {VariantCase{32, 1, 64}, {32.5, 1, 128}, {64, 1, 128}, {65, 1, 256}, {20, 2, 128}, {40, 1.5, 128}}) {
-        const auto icon = EditorIcons::image(u"pen"_s, QString(), c.size, c.ratio);
-        ASSERT_TRUE(icon) << c.size;
-        EXPECT_EQ(icon->image.width(), c.expected) << c.size;
-        EXPECT_EQ(icon->pixmap(Qt::black, c.ratio).width(), qRound(c.size * c.ratio));
-    }
-}
-
 TEST(EditorIconsTests, everyIconIsThereAtEverySizeAndPaintsSomethingInsideItsMargin) {
     QStringList names = u"undo redo trash recording share save copy capture settings "
                         "launch-at-login quit"_s.split(QLatin1Char(' '));

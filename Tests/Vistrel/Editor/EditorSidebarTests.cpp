@@ -126,15 +126,3 @@ TEST_F(EditorSidebarTests, pressesOutsideTheControlsReachTheCanvas) {
         EXPECT_EQ(sidebar.isOverPanel(c.place), c.overPanel) << c.name;
     }
 }
-
-TEST_F(EditorSidebarTests, theSidebarStaysLightInADarkPalette) {
-    canvas.setPalette(QPalette(Qt::white, Qt::black, Qt::gray, Qt::black, Qt::gray, Qt::white, Qt::black));
-    show(1);
-    const QImage image = sidebar.layerPanel().grab().toImage();
-    int dark = 0;
-    for (int x = 10; x < 140; ++x) {
-        EXPECT_GT(qGray(image.pixel(x, 120)), 230);
-        dark += qGray(image.pixel(x, 14)) < 150 ? 1 : 0;
-    }
-    EXPECT_GT(dark, 5) << "the heading is written in dark ink";
-}

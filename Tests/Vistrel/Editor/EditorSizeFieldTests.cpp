@@ -8,13 +8,6 @@ using namespace Qt::StringLiterals;
 
 using namespace EditorTestSupport;
 
-TEST(EditorSizeFieldTests, onlyWholeDecimalNumbersCount) {
-    EXPECT_EQ(EditorSizeField::number(u"007"_s), 7);
-    EXPECT_EQ(EditorSizeField::number(u"-999999999999"_s), -1'000'000'000);
-    for (const char* text : {"+", " 5", "5 ", "٣"})
-        EXPECT_EQ(EditorSizeField::number(QString::fromUtf8(text)), std::nullopt) << text;
-}
-
 TEST(EditorSizeFieldTests, whatWasTypedIsReportedOnceAndNotOverwritten) {
     QWidget window;
     EditorSizeField field(&window);

@@ -55,16 +55,13 @@ QByteArray readWithLibpng(const QByteArray& file) {
     return pixels;
 }
 
-quint8 colourType(const QByteArray& png) {
-    return static_cast<quint8>(png.at(25));
-}
-constexpr quint8 rgb = 2;
-constexpr quint8 rgba = 6;
+constexpr char rgb = 2;
+constexpr char rgba = 6;
 
 struct PictureCase {
     const char* name;
     QImage (*make)(int width, int height);
-    quint8 colourType;
+    char colourType;
 };
 
 const PictureCase pictureCases[] = {
@@ -74,7 +71,6 @@ const PictureCase pictureCases[] = {
     {"premultipliedAlpha", [](int w, int h) { return noise(w, h, QImage::Format_ARGB32_Premultiplied); },
      rgba},
     {"grey", [](int w, int h) { return noise(w, h, QImage::Format_Grayscale8); }, rgb},
-    {"palette", [](int w, int h) { return noise(w, h, QImage::Format_Indexed8); }, rgba},
 };
 
 } // namespace
@@ -87,18 +83,16 @@ TEST(PNGEncoder, PicturesAreReadBackByAnotherLibraryPixelByPixel) {
             ASSERT_TRUE(file) << qPrintable(file.error().description);
             EXPECT_EQ(readWithLibpng(*file), tightRGBA(image)) << row.name << " width " << width;
             if (width > 8) {
-                EXPECT_EQ(colourType(*file), row.colourType) << row.name << " width " << width;
+                EXPECT_EQ(file->at(25), row.colourType) << row.name << " width " << width;
             }
         }
     }
 }
 
 TEST(PNGEncoder, LargePicturesAreWholeAcrossTheirBands) {
-    for (const QImage& image : {capture(1100, 1200), noise(3, 300000, QImage::Format_ARGB32),
-                                QImage(1500, 1200, QImage::Format_RGB32)}) {
-        QImage picture = image;
-        if (picture.width() == 1500)
-            picture.fill(qRgb(250, 250, 250));
+    QImage even(1500, 1200, QImage::Format_RGB32);
+    even.fill(qRgb(250, 250, 250));
+    for (const QImage& picture : {capture(1100, 1200), noise(3, 300000, QImage::Format_ARGB32), even}) {
         const auto file = ImageEncoder::encode(ScreenshotSaveFormat::png, picture);
         ASSERT_TRUE(file);
         EXPECT_TRUE(readWithLibpng(*file) == tightRGBA(picture)) << picture.width();

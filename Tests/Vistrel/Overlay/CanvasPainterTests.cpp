@@ -1,5 +1,6 @@
 #include "Overlay/CanvasPainter.h"
 #include "Overlay/OverlayExport.h"
+#include "Vistrel/Annotations/TestPictures.h"
 #include "Vistrel/Overlay/OverlayFixture.h"
 
 #include <QPainter>
@@ -9,32 +10,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// A picture in which every pixel differs from its neighbours.
-QImage noise(QSize size) {
-    QImage image(size, QImage::Format_RGB32);
-    QRandomGenerator generator(7);
-    for (int y = 0; y < size.height(); ++y) {
-        auto* line = reinterpret_cast<QRgb*>(image.scanLine(y));
-        for (int x = 0; x < size.width(); ++x)
-            line[x] = 0xff000000U | (generator.generate() & 0x00ffffffU);
-    }
-    return image;
-}
-
-int largestDifference(const QImage& a, const QImage& b) {
-    if (a.size() != b.size())
-        return 255;
-    int largest = 0;
-    for (int y = 0; y < a.height(); ++y) {
-        for (int x = 0; x < a.width(); ++x) {
-            const QRgb p = a.pixel(x, y);
-            const QRgb q = b.pixel(x, y);
-            largest = std::max({largest, std::abs(qRed(p) - qRed(q)), std::abs(qGreen(p) - qGreen(q)),
-                                std::abs(qBlue(p) - qBlue(q))});
-        }
-    }
-    return largest;
-}
+using TestPictures::largestDifference;
 
 class CanvasPainterTests : public OverlayFixture {
 protected:
@@ -67,13 +43,9 @@ protected:
         return target;
     }
     void addOneOfEach() {
-        const auto tools = {AnnotationTool::pen,      AnnotationTool::arrow, AnnotationTool::rectangle,
-                            AnnotationTool::marker,   AnnotationTool::line,  AnnotationTool::ellipse,
-                            AnnotationTool::pixelate, AnnotationTool::blur,  AnnotationTool::text};
-        double x = 40;
-        for (const AnnotationTool tool : tools) {
-            add(tool, {{x, 60}, {x + 37.5, 91.25}}, 8).text = u"abc"_s;
-            x += 13.75;
+        for (int tool = 1; tool < AnnotationTools::count; ++tool) {
+            const double x = 26.25 + 13.75 * tool;
+            add(static_cast<AnnotationTool>(tool), {{x, 60}, {x + 37.5, 91.25}}, 8).text = u"abc"_s;
         }
     }
 
@@ -84,19 +56,15 @@ protected:
 };
 
 struct ScaleCase {
-    const char* name;
     double scale;
     QSize pixels;
 };
 const ScaleCase scaleCases[] = {
-    {"one", 1, {320, 200}},           {"oneAndAQuarter", 1.25, {401, 251}},
-    {"oneAndAHalf", 1.5, {467, 301}}, {"odd", 1.1, {333, 217}},
-    {"two", 2, {640, 400}},
-};
+    {1, {320, 200}}, {1.1, {333, 217}}, {1.25, {401, 251}}, {1.5, {467, 301}}, {2, {640, 400}}};
 
 TEST_F(CanvasPainterTests, whatIsShownIsWhatIsExported) {
     for (const ScaleCase& row : scaleCases) {
-        SCOPED_TRACE(row.name);
+        SCOPED_TRACE(row.scale);
         document.state = {};
         open(row.scale, row.pixels);
         document.selection = {30.3, 40.2, 150.5, 100.25};
@@ -173,7 +141,7 @@ TEST_F(CanvasPainterTests, theBadgeReadsTheExportedSize) {
 TEST_F(CanvasPainterTests, decorationsLieOnWholePixelsAndInTheView) {
     decorated = true;
     for (const ScaleCase& row : scaleCases) {
-        SCOPED_TRACE(row.name);
+        SCOPED_TRACE(row.scale);
         open(row.scale, row.pixels);
         document.selection = document.bounds();
         const DecorationLayout all = layout();

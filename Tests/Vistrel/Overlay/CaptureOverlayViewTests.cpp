@@ -1,7 +1,6 @@
 #include "Overlay/CaptureOverlayWindow.h"
 
 #include "Editor/AnnotationTextView.h"
-#include "Overlay/SelectionCursors.h"
 #include "Support/EmptyDefaults.h"
 
 #include <QApplication>
@@ -109,20 +108,6 @@ TEST_F(CaptureOverlayViewTests, onlyTheFirstButtonSelectsAndAnotherDisplayTakesO
     EXPECT_EQ(view.selection(), Rect());
     EXPECT_TRUE(view.hasImage());
     EXPECT_FALSE(view.outputImage());
-}
-
-TEST(SelectionCursorsTests, shapesAndSizes) {
-    EXPECT_EQ(SelectionCursors::brush(9.9, 1).shape(), Qt::CrossCursor);
-    const QCursor brush = SelectionCursors::brush(30, 2);
-    EXPECT_EQ(brush.pixmap().width(), 72);
-    EXPECT_EQ(brush.hotSpot(), QPoint(36, 36));
-    // Rising and falling diagonals mirror each other.
-    const QImage rising = SelectionCursors::resize(0, 2).pixmap().toImage();
-    EXPECT_EQ(rising, SelectionCursors::resize(4, 2).pixmap().toImage());
-    EXPECT_EQ(rising.mirrored(true, false).pixelColor(12, 12),
-              SelectionCursors::resize(2, 2).pixmap().toImage().pixelColor(12, 12));
-    EXPECT_GT(rising.pixelColor(10, 38).alpha(), 200) << "the lower left end";
-    EXPECT_EQ(rising.pixelColor(10, 10).alpha(), 0) << "nothing at the upper left";
 }
 
 } // namespace

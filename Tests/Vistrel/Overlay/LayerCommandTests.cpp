@@ -1,12 +1,10 @@
 #include "Annotations/AnnotationTextLayout.h"
-#include "Overlay/ControlState.h"
 #include "Vistrel/Overlay/OverlayFixture.h"
 
 #include <gmock/gmock.h>
 
 using namespace Qt::StringLiterals;
 
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 namespace {
@@ -44,23 +42,6 @@ TEST_F(LayerCommandTests, coloursAreOpaqueAndNeverReachEffects) {
     EXPECT_EQ(document.drawingColor(), QColor(10, 20, 30));
 }
 
-TEST_F(LayerCommandTests, reordersWithinTheList) {
-    std::vector<QUuid> ids;
-    for (int i = 0; i < 3; ++i)
-        ids.push_back(add(AnnotationTool::line, {{60.0 + i, 60}, {100, 100}}).id);
-    const auto moved = [&](std::size_t layer, int index) {
-        editor.layers.reorderAnnotation(ids[layer], index);
-        std::vector<std::ptrdiff_t> order;
-        for (const EditorAnnotation& shown : layers())
-            order.push_back(std::ranges::find(ids, shown.id) - ids.begin());
-        return order;
-    };
-    EXPECT_THAT(moved(0, 10), ElementsAre(1, 2, 0));
-    EXPECT_THAT(moved(2, 0), ElementsAre(2, 1, 0));
-    EXPECT_THAT(moved(0, 1), ElementsAre(2, 0, 1));
-    EXPECT_THAT(moved(1, -1), ElementsAre(1, 2, 0));
-}
-
 TEST_F(LayerCommandTests, undoBringsBackWhatWasSelected) {
     const QUuid id = addSelected(AnnotationTool::line, {{60, 60}, {100, 100}}).id;
     for (const KeyCode code : {Key::deleteKey, Key::forwardDelete}) {
@@ -76,27 +57,6 @@ TEST_F(LayerCommandTests, undoBringsBackWhatWasSelected) {
     actions.clear();
     editor.layers.redo();
     EXPECT_THAT(actions, IsEmpty()) << "silent when there is nothing";
-}
-
-TEST_F(LayerCommandTests, toolsStartAfreshWithEveryCapture) {
-    document.tool = AnnotationTool::marker;
-    editor.layers.setDrawingSize(50);
-    editor.layers.setDrawingColor(Qt::blue);
-    show({400, 300}, {400, 300}, 1);
-    document.tool = AnnotationTool::marker;
-    EXPECT_EQ(document.drawingSize(), 16);
-    EXPECT_EQ(document.drawingColor(), QColor(255, 204, 0));
-}
-
-TEST_F(LayerCommandTests, theSizesToolTipNamesWhatItIsTheSizeOf) {
-    const auto toolTip = [this] { return ControlState::of(document).sizeToolTip; };
-    EXPECT_EQ(toolTip(), u"Stroke width (1–99)"_s);
-    addSelected(AnnotationTool::pixelate, {{60, 60}, {100, 100}});
-    EXPECT_EQ(toolTip(), u"Pixel block size (1–99)"_s);
-    EXPECT_FALSE(ControlState::of(document).colorEnabled);
-    document.tool = AnnotationTool::text;
-    EXPECT_EQ(toolTip(), u"Text size (1–99)"_s);
-    EXPECT_TRUE(ControlState::of(document).colorEnabled);
 }
 
 } // namespace

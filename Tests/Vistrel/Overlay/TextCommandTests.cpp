@@ -106,18 +106,18 @@ TEST_F(TextCommandTests, styleChangesStayInTheEditorUntilCommit) {
 }
 
 TEST_F(TextCommandTests, everyCommandCommitsFirst) {
-    const std::vector<std::pair<const char*, std::function<void()>>> commands = {
-        {"tool", [this] { editor.layers.selectTool(AnnotationTool::pen); }},
-        {"select", [this] { editor.layers.selectAnnotation({}); }},
-        {"delete", [this] { editor.layers.deleteAnnotation({}); }},
-        {"reorder", [this] { editor.layers.reorderAnnotation({}, 0); }},
-        {"redo", [this] { editor.layers.redo(); }},
-        {"copy", [this] { editor.output.copySelection(); }},
-        {"save", [this] { editor.output.saveSelection(); }},
-        {"share", [this] { EXPECT_TRUE(editor.output.imageToShare()); }},
+    const std::function<void()> commands[] = {
+        [this] { editor.layers.selectTool(AnnotationTool::pen); },
+        [this] { editor.layers.selectAnnotation({}); },
+        [this] { editor.layers.deleteAnnotation({}); },
+        [this] { editor.layers.reorderAnnotation({}, 0); },
+        [this] { editor.layers.redo(); },
+        [this] { editor.output.copySelection(); },
+        [this] { editor.output.saveSelection(); },
+        [this] { EXPECT_TRUE(editor.output.imageToShare()); },
     };
-    for (const auto& [name, command] : commands) {
-        SCOPED_TRACE(name);
+    for (const auto& command : commands) {
+        SCOPED_TRACE(&command - commands);
         document.state = {};
         document.tool = AnnotationTool::text;
         begin({200, 150});
@@ -126,8 +126,7 @@ TEST_F(TextCommandTests, everyCommandCommitsFirst) {
         EXPECT_FALSE(typed);
         EXPECT_EQ(layers().size(), 1U);
     }
-    EXPECT_FALSE(copied.isNull());
-    EXPECT_FALSE(saved.isNull());
+    EXPECT_FALSE(copied.isNull() || saved.isNull());
 }
 
 } // namespace

@@ -1,9 +1,7 @@
 #include "Reports/ReportDraftFiles.h"
 #include "Support/ScopedEnvironment.h"
-#include "VistrelPlatform/System/AtomicFile.h"
+#include "Support/TestFiles.h"
 
-#include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
 #include <QTimeZone>
 
@@ -16,11 +14,6 @@ namespace {
 const QString identifier = u"0E984725-C51C-4BF4-9960-E1C80E27ABA0"_s;
 constexpr qint64 present = 1772366400;
 constexpr qint64 week = 604800;
-
-QStringList entries(const QString& folder) {
-    return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
-                                  QDir::Name);
-}
 
 TEST(ReportDraftFilesTests, onlyDraftsOlderThanAWeekGo) {
     const std::pair<QString, bool> rows[] = {
@@ -37,16 +30,14 @@ TEST(ReportDraftFilesTests, onlyDraftsOlderThanAWeekGo) {
     QTemporaryDir folder;
     QStringList kept;
     for (const auto& [name, stays] : rows) {
-        ASSERT_TRUE(writeAtomically(folder.filePath(name), "x"));
+        writeFile(folder.filePath(name), "x");
         if (stays)
             kept.append(name);
     }
     const QDateTime now = QDateTime::fromSecsSinceEpoch(present, QTimeZone::utc());
     ReportDraftFiles::prune(folder.path(), now);
-    QStringList left = entries(folder.path());
-    left.sort();
     kept.sort();
-    EXPECT_EQ(left, kept);
+    EXPECT_EQ(entriesOf(folder.path()), kept);
 }
 
 TEST(ReportDraftFilesTests, aDraftFolderGoesWholeAndALinkGoesAlone) {
@@ -55,12 +46,11 @@ TEST(ReportDraftFilesTests, aDraftFolderGoesWholeAndALinkGoesAlone) {
     ReportDraftFiles::prune(); // nothing there yet
     const QDir drafts(cache.filePath(u"Vistrel/ReportDrafts"_s));
     const QString elsewhere = cache.filePath(u"precious"_s);
-    ASSERT_TRUE(QDir().mkpath(elsewhere));
-    ASSERT_TRUE(writeAtomically(elsewhere + u"/file"_s, "x"));
+    writeFile(elsewhere + u"/file"_s, "x");
     ASSERT_TRUE(drafts.mkpath(u"1000-"_s + identifier + u"/inner"_s));
     ASSERT_TRUE(QFile::link(elsewhere, drafts.filePath(u"2000-"_s + identifier)));
     ReportDraftFiles::prune();
-    EXPECT_EQ(entries(drafts.path()), QStringList());
+    EXPECT_EQ(entriesOf(drafts.path()), QStringList());
     EXPECT_TRUE(QFile::exists(elsewhere + u"/file"_s));
 }
 
