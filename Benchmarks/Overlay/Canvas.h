@@ -2,6 +2,7 @@
 
 #include "Overlay/CaptureOverlayWindow.h"
 #include "Overlay/OverlayEditor.h"
+#include "Support/EmptyDefaults.h"
 
 #include <QApplication>
 #include <QMouseEvent>
@@ -9,21 +10,6 @@
 
 /// Places on the canvas are told in pixels of a display with so many lines.
 inline constexpr int designHeight = 2160;
-
-/// Nothing is stored.
-class NoDefaults : public UserDefaults {
-public:
-    std::optional<double> number(const QString&) const override { return std::nullopt; }
-    std::optional<bool> boolean(const QString&) const override { return std::nullopt; }
-    std::optional<QString> string(const QString&) const override { return std::nullopt; }
-    std::optional<QByteArray> data(const QString&) const override { return std::nullopt; }
-    bool has(const QString&) const override { return false; }
-    void setNumber(const QString&, double) override {}
-    void setBoolean(const QString&, bool) override {}
-    void setString(const QString&, const QString&) override {}
-    void setData(const QString&, const QByteArray&) override {}
-    void remove(const QString&) override {}
-};
 
 /// Some detail everywhere.
 inline QImage desktop(QSize size) {
@@ -83,7 +69,7 @@ private:
     int height;
     QSize pixels{height * 16 / 9, height};
     double scale = qApp->devicePixelRatio();
-    NoDefaults defaults;
+    EmptyDefaults defaults;
     EditorPreferences preferences{defaults};
     CaptureOverlayWindow window{{.name = QStringLiteral("bench"),
                                  .displayID = 1,

@@ -65,9 +65,34 @@ void growPen(benchmark::State& state) {
     canvas.press({1900, 1100});
     for (int i = 0; i < state.range(0); ++i)
         canvas.move(around({1900, 1100}, i, 200 + i % 600, 7));
-    canvas.settle();
+    // What was drawn so far arrives in more than one turn.
+    for (int turn = 0; turn < 3; ++turn)
+        canvas.settle();
     steps(state, canvas, {1900, 1100}, 500);
     canvas.release({1900, 1100});
+}
+
+/// A finished stroke of `range(0)` points is moved, so that all of it is painted anew.
+void moveStroke(benchmark::State& state) {
+    Canvas canvas(designHeight);
+    canvas.drag({200, 200}, {3600, 2000});
+    canvas.key(Qt::Key_P, QStringLiteral("p"));
+    const auto scribble = [](int i) { return around({1900, 1100}, i, 200 + i % 600, 7); };
+    canvas.press(scribble(0));
+    for (int i = 1; i < state.range(0); ++i)
+        canvas.move(scribble(i));
+    canvas.release(scribble(static_cast<int>(state.range(0)) - 1));
+    canvas.key(Qt::Key_V, QStringLiteral("v"));
+    canvas.settle();
+    const QPoint grip = scribble(0);
+    canvas.press(grip);
+    int step = 0;
+    for (auto _ : state) {
+        ++step;
+        canvas.move(grip + QPoint(step % 40, step % 30));
+        canvas.settle();
+    }
+    canvas.release(grip);
 }
 
 /// What `range(0)` further steps of undo keep in memory, above a document of 50 strokes of 500 points.
@@ -102,6 +127,7 @@ void undoMemory(benchmark::State& state) {
     add("drawBesideEffects", drawBesideEffects, 1)->Iterations(200);
     add("drawAcrossOneEffect", drawAcrossOneEffect, 1)->Iterations(200);
     add("growPen", growPen, 100)->Iterations(200);
+    add("moveStroke", moveStroke, 100)->Iterations(20);
     add("undoMemory", undoMemory, 1)->Iterations(1);
     return true;
 }();
