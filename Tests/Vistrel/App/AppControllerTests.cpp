@@ -105,23 +105,6 @@ TEST_F(AppControllerTest, SetupIsNotCompletedBeforeItsSteps) {
     EXPECT_FALSE(started.firstRun());
 }
 
-TEST_F(AppControllerTest, TheShortcutSetupReturnsToTheSettingsItCameFrom) {
-    completeSetup();
-    AppController& started = launch();
-    takeLog();
-    started.showCaptureShortcutSetup();
-    EXPECT_EQ(takeLog(), words("close hideSettings showSetup"));
-    started.completeOnboarding();
-    EXPECT_EQ(takeLog(), words("closeSetup hideSetup showSettings")) << "once, not twice";
-
-    started.showCaptureShortcutSetup();
-    takeLog();
-    started.setupWindowWillClose();
-    EXPECT_EQ(takeLog(), words("hideSetup showSettings")) << "closed by the user";
-    started.setupWindowWillClose();
-    EXPECT_EQ(takeLog(), QStringList());
-}
-
 TEST_F(AppControllerTest, BecomingActiveLooksAgain) {
     completeSetup();
     AppController& started = launch();

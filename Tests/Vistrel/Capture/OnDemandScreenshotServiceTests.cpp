@@ -126,6 +126,7 @@ TEST_F(OnDemandScreenshotServiceTests, ConcurrentCallersShareOnePreparationAndAn
     OnDemandScreenshotService service(capturer, CaptureMethod::filtered, preferences, builder);
     auto first = service.prepare(screens);
     auto second = service.prepare(screens);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return built == 1; })) << "both wait for one that has begun";
     service.invalidatePreparation();
     for (const auto& stale : {first, second})
         EXPECT_TRUE(isCancelled(wait(stale).error()));

@@ -2,7 +2,6 @@
 
 #include "VistrelPlatform/System/UuidText.h"
 
-#include <limits>
 #include <thread>
 
 using namespace Qt::StringLiterals;
@@ -122,16 +121,6 @@ TEST_F(LocalDiagnosticsTests, aSnapshotHoldsTheNewestTwoThousand) {
     ASSERT_EQ(events.size(), 2000U);
     EXPECT_EQ(events.front().details.size, 501);
     EXPECT_EQ(events.back().action, Action::redo);
-}
-
-TEST_F(LocalDiagnosticsTests, aDurationThatIsNoNumberIsAFailureAndNoLine) {
-    auto journal = makeJournal();
-    Diagnostic::Details details;
-    details.durationMS = std::numeric_limits<double>::quiet_NaN();
-    journal->record(Action::capturePhase, details);
-    const LocalDiagnostics::Snapshot result = snapshot(*journal);
-    EXPECT_TRUE(result.events.empty());
-    EXPECT_TRUE(result.writeFailed);
 }
 
 TEST_F(LocalDiagnosticsTests, theDateIsTheCallersNotTheQueues) {
