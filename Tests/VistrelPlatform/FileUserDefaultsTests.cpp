@@ -60,36 +60,6 @@ TEST_F(FileUserDefaultsTests, everyTypeComesBackInTheNextRun) {
     EXPECT_EQ(QFile::permissions(path) & (QFile::ReadGroup | QFile::ReadOther), QFile::Permissions());
 }
 
-TEST_F(FileUserDefaultsTests, aValueIsReadAsItsOwnTypeOnly) {
-    const struct {
-        const char* name;
-        const char* json;
-        const char* readable;
-        bool has = true;
-    } rows[] = {
-        {"wholeNumber", "100", "number"},
-        {"fraction", "0.5", "number"},
-        {"boolean", "true", "boolean"},
-        {"text", "\"1\"", "string"},
-        {"binary", R"({"data": "AA"})", "data"},
-        {"emptyBinary", R"({"data": ""})", "data"},
-        {"noBase64", R"({"data": "A*"})", ""},
-        {"otherObject", R"({"x": 1})", ""},
-        {"list", "[1]", ""},
-        {"null", "null", "", false},
-    };
-    for (const auto& row : rows) {
-        const QString key = QString::fromLatin1(row.name);
-        writeFile(path, "{\"" + QByteArray(row.name) + "\": " + row.json + "}");
-        const FileUserDefaults defaults(path);
-        const std::string readable =
-            std::string(defaults.number(key) ? "number" : "") + (defaults.boolean(key) ? "boolean" : "") +
-            (defaults.string(key) ? "string" : "") + (defaults.data(key) ? "data" : "");
-        EXPECT_EQ(readable, row.readable) << row.name;
-        EXPECT_EQ(defaults.has(key), row.has) << row.name;
-    }
-}
-
 TEST_F(FileUserDefaultsTests, whatIsNotUnderstoodSurvivesARewrite) {
     writeFile(path, R"({"": 1, "a/b": [1, {"deep": null}], "/odd//": "x", "large": 9007199254740993,
               "nothing": null, "SCALE": 1, "scale": 2, "naïve": {"data": 5}, "long": 1e300})");

@@ -1,4 +1,3 @@
-#include "Support/ReadOnlyFolder.h"
 #include "Support/ScopedEnvironment.h"
 #include "VistrelPlatform/Freedesktop/AutostartLoginItem.h"
 #include "VistrelPlatform/Freedesktop/DesktopSettingsPages.h"
@@ -102,20 +101,6 @@ TEST_F(LoginItemTest, TheDesktopStartsProgramsWithAnyPath) {
     }
     // Not every desktop's library undoes the doubling.
     EXPECT_EQ(desktopEntryArgument(u"/a%f"_s), u"/a%%f"_s);
-}
-
-TEST_F(LoginItemTest, AFolderThatCannotBeWrittenIsAnError) {
-    QDir().mkpath(path(u"config"_s));
-    {
-        const ReadOnlyFolder readOnly(folder.path(), u"config"_s);
-        ASSERT_TRUE(readOnly.inForce());
-        const Result<void> outcome = item.enroll();
-        ASSERT_FALSE(outcome);
-        EXPECT_EQ(outcome.error().code, EACCES);
-    }
-    const ScopedEnvironment file("XDG_CONFIG_HOME", QFile::encodeName(program));
-    EXPECT_EQ(item.status(), Status::notFound);
-    EXPECT_FALSE(item.enroll());
 }
 
 TEST_F(LoginItemTest, SettingsPagesAreTriedInOrder) {

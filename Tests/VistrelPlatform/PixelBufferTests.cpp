@@ -60,20 +60,11 @@ TEST(PixelBufferPool, threadsMayShareIt) {
     work(2);
 }
 
-TEST(ProcessFootprint, isTheProportionalSizeAndGrowsAndShrinks) {
+TEST(ProcessFootprint, isTheProportionalSize) {
     EXPECT_EQ(ProcessFootprint::parse("5583-7ffe ---p 0 00:00 0 [rollup]\nRss:   9000 kB\nPss:    4321 kB\n"
                                       "Pss_Dirty: 5 kB\n"),
               4321 * 1024);
     for (const char* text : {"", "Rss: 9000 kB\n", "Pss: many kB\n", "Pss: 3 MB\n"})
         EXPECT_EQ(ProcessFootprint::parse(text), std::nullopt) << text;
-
-    constexpr std::int64_t size = 64 << 20;
-    const std::int64_t before = ProcessFootprint::bytes();
-    EXPECT_GT(before, 0);
-    auto buffer = PixelBuffer::biPlanar(8192, 8192);
-    for (const PixelBuffer::Plane& plane : buffer->planes())
-        std::memset(plane.bytes, 1, plane.bytesPerRow * static_cast<std::size_t>(plane.rows));
-    EXPECT_GT(ProcessFootprint::bytes(), before + size);
-    buffer.reset();
-    EXPECT_LT(ProcessFootprint::bytes(), before + size / 2);
+    EXPECT_GT(ProcessFootprint::bytes(), 0);
 }

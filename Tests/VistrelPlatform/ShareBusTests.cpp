@@ -1,5 +1,4 @@
 #include "VistrelPlatform/Freedesktop/ShareBluetooth.h"
-#include "VistrelPlatform/Freedesktop/ShareLinkedDevices.h"
 #include "VistrelPlatform/Freedesktop/ShareMail.h"
 #include "VistrelPlatform/ShareTestBus.h"
 
@@ -202,12 +201,4 @@ TEST_F(ShareBusTests, bluetoothOffersReachableDevicesAndReportsTheTransfersEnd) 
         EXPECT_TRUE(waitUntil([&] { return calls.contains(u"RemoveSession"_s); }));
         EXPECT_TRUE(waitUntil([&] { return !QFileInfo::exists(path); }));
     }
-}
-
-TEST_F(ShareBusTests, aLinkedDeviceThatIsGoneIsNotSharedWith) {
-    const SharePeer daemon(bus.peer(), u"org.kde.kdeconnect"_s, [&](const QDBusMessage& call) {
-        send(call.createErrorReply(QDBusError::UnknownObject, {}));
-    });
-    ShareLinkedDevices devices(bus.client(), retention);
-    EXPECT_EQ(share(devices, u"cd_2"_s), false);
 }

@@ -227,34 +227,6 @@ TEST_F(UpdaterTests, offersWaitWhileTheUserIsBusyAndComeWhenAskedFor) {
     EXPECT_EQ(user.story(), "offer 2.0, front");
 }
 
-TEST_F(UpdaterTests, onlyOneCheckAtATime) {
-    start();
-    server.serve(u"/feed"_s, TestServer::silence());
-    updater->checkForUpdates();
-    EXPECT_FALSE(updater->canCheckForUpdates());
-    updater->checkForUpdatesInBackground();
-    updater->checkForUpdateInformation();
-    ASSERT_TRUE(waitUntil([this] { return !server.requests().empty(); }));
-    QCoreApplication::processEvents();
-    EXPECT_EQ(server.requests().size(), 1U);
-}
-
-TEST_F(UpdaterTests, unusableConfigurationsDoNotStart) {
-    const std::function<void(UpdaterConfiguration&)> changes[] = {
-        [](auto& changed) { changed.installed = false; },
-        [](auto& changed) { changed.feedAddress = u"http://localhost/"_s; },
-        [](auto& changed) { changed.publicKey = u"AAAA"_s; },
-        [](auto& changed) { changed.version = u"development"_s; },
-    };
-    for (std::size_t index = 0; index < std::size(changes); ++index) {
-        UpdaterConfiguration changed = configuration;
-        changes[index](changed);
-        Updater attempt(changed, defaults, &user);
-        EXPECT_FALSE(attempt.start()) << index;
-        EXPECT_FALSE(attempt.canCheckForUpdates()) << index;
-    }
-}
-
 TEST_F(UpdaterTests, aDueCheckComesByItselfAfterTheSetupUnlessSwitchedOff) {
     defaults.setNumber(lastCheck, 0);
     configuration.quietTime = std::chrono::milliseconds(1);
