@@ -48,6 +48,7 @@ void OverlayPresenter::prepareText() {
         BadgeText::loadSystemFonts();
         return true;
     });
+    loadingFonts.addFuture(loading);
     whenFinished(loading, this, [this](bool) {
         for (const auto& window : windows)
             window->view().prepareText();

@@ -7,6 +7,7 @@
 #include "Settings/EditorPreferences.h"
 #include "VistrelPlatform/OverlayWindows.h"
 
+#include <QFutureSynchronizer>
 #include <QObject>
 
 #include <functional>
@@ -92,4 +93,6 @@ private:
     /// Ends the subscriptions of one presentation with it.
     std::unique_ptr<QObject> focusObservers;
     bool suspended = false;
+    /// Waited for at the end: fonts cannot be read without the application.
+    QFutureSynchronizer<bool> loadingFonts;
 };
