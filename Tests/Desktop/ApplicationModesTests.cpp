@@ -1,74 +1,85 @@
-#include "Desktop/ApplicationOnDesktop.h"
 #include "Desktop/InstalledTree.h"
+#include "Desktop/VistrelOnDesktop.h"
+#include "Support/TestFiles.h"
 
-#include <QDir>
-#include <QFile>
 #include <QStandardPaths>
 
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-struct ModeCase {
-    const char* name;
-    std::vector<const char*> arguments;
-    int status;
-    /// What the two streams hold; "*" at the end stands for the system's own words.
-    const char* output;
-    const char* error;
-};
+/// What the second copy prints, when it ends well.
+QByteArray printed(VistrelOnDesktop& vistrel, const QStringList& arguments) {
+    QByteArray output;
+    EXPECT_EQ(vistrel.runAgain(arguments, &output), 0);
+    return output;
+}
 
-const char* const runsError = "Expected: --benchmark-capture [runs from 1 to 20]\n";
-const char* const methodError = "Expected --capture-method automatic, filtered, or direct\n";
-const char* const profileError = "Expected: --profile-buffer width height displays maximumFPS\n";
+QByteArrayList diagnostics(VistrelOnDesktop& vistrel) {
+    return printed(vistrel, {u"--diagnostics"_s}).split('\n');
+}
 
-const ModeCase modeCases[] = {
-    {"noRuns", {"--benchmark-capture", "0"}, 2, "", runsError},
-    {"tooManyRuns", {"--benchmark-capture", "21"}, 2, "", runsError},
-    {"overflowingRuns", {"--benchmark-capture", "99999999999999999999"}, 2, "", runsError},
-    {"emptyRuns", {"--benchmark-capture", ""}, 2, "", runsError},
-    {"noMethod", {"--benchmark-capture", "5", "--capture-method"}, 2, "", methodError},
-    {"noReport", {"--last-capture-timing"}, 1, "", "No readable capture timing report: *"},
-    {"iconsetUnderAFile", {"--export-iconset", "/dev/null/icons"}, 1, "", "Icon export failed: *"},
-    {"profileWord", {"--profile-buffer", "1", "2", "3", "sixty"}, 1, "", profileError},
-    {"bareLogin", {"--enable-launch-at-login"}, 1, "", "Launch at login failed: *"},
-    {"fallsThrough",
-     {"--diagnostics", "--unknown", "", "--profile-buffer", "1", "2", "--export-iconset"},
-     0,
-     "Capture mode: on demand; no background stream or rewind\n*",
-     ""},
-};
-
-void expectText(const QByteArray& text, QByteArray expected) {
-    if (expected.endsWith('*')) {
-        expected.chop(1);
-        EXPECT_TRUE(text.startsWith(expected) && text.size() > expected.size() + 1 && text.endsWith('\n') &&
-                    !text.endsWith("\n\n"))
-            << text.constData();
-    } else {
-        EXPECT_EQ(text, expected);
-    }
+/// "*" at the end of `expected` stands for the system's own words.
+bool fits(const QByteArray& text, QByteArray expected) {
+    if (!expected.endsWith('*'))
+        return text == expected;
+    expected.chop(1);
+    return text.startsWith(expected) && text.size() > expected.size() + 1 && text.endsWith('\n') &&
+           !text.endsWith("\n\n");
 }
 
 } // namespace
 
 TEST(ApplicationModes, WriteTheirResultsAndFailuresToTheRightStreamAndEndWithTheirStatus) {
-    ApplicationOnDesktop vistrel({.screenSize = {640, 480}});
-    for (const ModeCase& row : modeCases) {
-        SCOPED_TRACE(row.name);
+    const char* const runsError = "Expected: --benchmark-capture [runs from 1 to 20]\n";
+    const struct {
+        const char* name;
+        std::vector<const char*> arguments;
+        int status;
+        const char* output;
+        const char* error;
+    } rows[] = {
+        {"noRuns", {"--benchmark-capture", "0"}, 2, "", runsError},
+        {"tooManyRuns", {"--benchmark-capture", "21"}, 2, "", runsError},
+        {"overflowingRuns", {"--benchmark-capture", "99999999999999999999"}, 2, "", runsError},
+        {"emptyRuns", {"--benchmark-capture", ""}, 2, "", runsError},
+        {"noMethod",
+         {"--benchmark-capture", "5", "--capture-method"},
+         2,
+         "",
+         "Expected --capture-method automatic, filtered, or direct\n"},
+        {"noReport", {"--last-capture-timing"}, 1, "", "No readable capture timing report: *"},
+        {"iconsetUnderAFile", {"--export-iconset", "/dev/null/icons"}, 1, "", "Icon export failed: *"},
+        {"profileWord",
+         {"--profile-buffer", "1", "2", "3", "sixty"},
+         1,
+         "",
+         "Expected: --profile-buffer width height displays maximumFPS\n"},
+        {"bareLogin", {"--enable-launch-at-login"}, 1, "", "Launch at login failed: *"},
+        {"fallsThrough",
+         {"--diagnostics", "--unknown", "", "--profile-buffer", "1", "2", "--export-iconset"},
+         0,
+         "Capture mode: on demand; no background stream or rewind\n*",
+         ""},
+    };
+    VistrelOnDesktop vistrel({.screenSize = {640, 480}});
+    for (const auto& row : rows) {
         QStringList arguments;
         for (const char* argument : row.arguments)
-            arguments << QFile::decodeName(argument);
+            arguments << QLatin1String(argument);
         const auto program = vistrel.startProgram(arguments);
-        EXPECT_EQ(program->waitForExit(patience), row.status);
-        expectText(program->standardOutput(), row.output);
-        expectText(program->standardError(), row.error);
+        EXPECT_EQ(program->waitForExit(patience), row.status) << row.name;
+        EXPECT_TRUE(fits(program->standardOutput(), row.output))
+            << row.name << program->standardOutput().constData();
+        EXPECT_TRUE(fits(program->standardError(), row.error))
+            << row.name << program->standardError().constData();
     }
-    EXPECT_FALSE(QFile::exists(vistrel.session.configHome() + QStringLiteral("/autostart")));
-    EXPECT_FALSE(QFile::exists(vistrel.session.dataHome() + QStringLiteral("/Vistrel")));
-
+    EXPECT_FALSE(QFile::exists(vistrel.session.configHome() + u"/autostart"_s));
+    EXPECT_FALSE(QFile::exists(vistrel.session.dataHome() + u"/Vistrel"_s));
     vistrel.session.setEnvironment("DISPLAY", ":4999");
-    for (const QStringList& arguments : {QStringList(), {QStringLiteral("--diagnostics")}}) {
+    for (const QStringList& arguments : {QStringList(), {u"--diagnostics"_s}}) {
         const auto program = vistrel.startProgram(arguments);
         EXPECT_EQ(program->waitForExit(patience), 1);
         EXPECT_TRUE(program->standardError().startsWith("Vistrel needs an X11 display"));
@@ -76,90 +87,61 @@ TEST(ApplicationModes, WriteTheirResultsAndFailuresToTheRightStreamAndEndWithThe
 }
 
 TEST(ApplicationModes, TheIconsetHasTenPicturesOfTheirSizesAndTheDiagnosticsEveryDisplay) {
-    ApplicationOnDesktop vistrel(
-        {.screenSize = {2080, 720},
-         .monitors = {{QStringLiteral("L"), {0, 0, 1280, 720}}, {QStringLiteral("R"), {1280, 0, 800, 600}}},
-         .scaleFactors = QStringLiteral("L=2;R=1.25")});
-    const QDir icons(vistrel.session.folder(QStringLiteral("home/new/icons")));
-    EXPECT_EQ(vistrel.runAgain({QStringLiteral("--export-iconset"), icons.path()}), 0);
-    EXPECT_EQ(icons.entryList(QDir::Files).size(), 10);
-    for (const int size : {16, 32, 128, 256, 512}) {
+    VistrelOnDesktop vistrel({.screenSize = {2080, 720},
+                              .monitors = {{u"L"_s, {0, 0, 1280, 720}}, {u"R"_s, {1280, 0, 800, 600}}},
+                              .scaleFactors = u"L=2;R=1.25"_s});
+    const QDir icons(vistrel.session.folder(u"home/new/icons"_s));
+    printed(vistrel, {u"--export-iconset"_s, icons.path()});
+    EXPECT_EQ(entriesOf(icons.path()).size(), 10);
+    for (const int size : {16, 32, 128, 256, 512})
         for (const int scale : {1, 2}) {
-            const QString name = QStringLiteral("icon_%1x%1%2.png")
-                                     .arg(size)
-                                     .arg(scale == 2 ? QStringLiteral("@2x") : QString());
+            const QString name = u"icon_%1x%1%2.png"_s.arg(size).arg(scale == 2 ? u"@2x"_s : QString());
             EXPECT_EQ(QImage(icons.filePath(name)).size(), QSize(size, size) * scale) << name.toStdString();
         }
-    }
-
-    QByteArray printed;
-    EXPECT_EQ(vistrel.runAgain({QStringLiteral("--diagnostics")}, &printed), 0);
-    const QList<QByteArray> lines = printed.split('\n');
-    ASSERT_EQ(lines.size(), 8) << printed.constData();
-    EXPECT_EQ(lines[1], "Launch at login status: 3");
-    EXPECT_EQ(lines[2], "Screen capture permission: true");
-    EXPECT_EQ(lines[3], "Preferred shortcut conflicts with macOS: false");
-    EXPECT_EQ(lines[4], "Fallback shortcut conflicts with macOS: false");
     const auto number = [&](const char* name) {
         return QByteArray::number(vistrel.session.client().atom(name));
     };
-    EXPECT_EQ(lines[5], "Display " + number("L") + ": 1280 × 720, scale 2.0");
-    EXPECT_EQ(lines[6], "Display " + number("R") + ": 800 × 600, scale 1.25");
+    EXPECT_EQ(diagnostics(vistrel).mid(1),
+              (QByteArrayList{"Launch at login status: 3", "Screen capture permission: true",
+                              "Preferred shortcut conflicts with macOS: false",
+                              "Fallback shortcut conflicts with macOS: false",
+                              "Display " + number("L") + ": 1280 × 720, scale 2.0",
+                              "Display " + number("R") + ": 800 × 600, scale 1.25", ""}));
 }
 
 TEST(ApplicationModes, TheDiagnosticsAskTheDesktopThatRuns) {
-    ApplicationOnDesktop vistrel({.screenSize = {640, 480}, .sessionBus = true});
-    const auto missing = [](const char* program) {
-        return QStandardPaths::findExecutable(QLatin1StringView(program)).isEmpty();
-    };
+    for (const QString& program : {u"xfconf-query"_s, u"kglobalaccel5"_s})
+        if (QStandardPaths::findExecutable(program).isEmpty())
+            GTEST_SKIP() << program.toStdString() << " is not installed";
+    VistrelOnDesktop vistrel({.screenSize = {640, 480}, .sessionBus = true});
     const auto conflicts = [&](const char* desktop) {
         vistrel.session.setEnvironment("XDG_CURRENT_DESKTOP", desktop);
-        QByteArray printed;
-        EXPECT_EQ(vistrel.runAgain({QStringLiteral("--diagnostics")}, &printed), 0);
-        const QList<QByteArray> lines = printed.split('\n');
+        const QByteArrayList lines = diagnostics(vistrel);
         return (lines.value(3).split(' ').last() + ' ' + lines.value(4).split(' ').last()).toStdString();
     };
-    if (missing("xfconf-query") || missing("kglobalaccel5"))
-        GTEST_SKIP() << "xfconf or libkf5globalaccel-bin is not installed";
-
-    const QString commands = QStringLiteral("/commands/custom/");
-    for (const QStringList& property :
-         {QStringList{QStringLiteral("<Super><Shift>9"), QStringLiteral("string"), QStringLiteral("x")},
-          QStringList{QStringLiteral("override"), QStringLiteral("bool"), QStringLiteral("true")}}) {
+    for (const QStringList& property : {QStringList{u"<Super><Shift>9"_s, u"string"_s, u"x"_s},
+                                        QStringList{u"override"_s, u"bool"_s, u"true"_s}}) {
         const auto setter =
-            vistrel.session.start(QStringLiteral("xfconf-query"),
-                                  {QStringLiteral("-c"), QStringLiteral("xfce4-keyboard-shortcuts"),
-                                   QStringLiteral("-p"), commands + property[0], QStringLiteral("-n"),
-                                   QStringLiteral("-t"), property[1], QStringLiteral("-s"), property[2]});
+            vistrel.session.start(u"xfconf-query"_s, {u"-c"_s, u"xfce4-keyboard-shortcuts"_s, u"-p"_s,
+                                                      u"/commands/custom/"_s + property[0], u"-n"_s, u"-t"_s,
+                                                      property[1], u"-s"_s, property[2]});
         ASSERT_EQ(setter->waitForExit(patience), 0) << setter->standardError().constData();
     }
     EXPECT_EQ(conflicts("XFCE"), "false true");
-
-    QDir().mkpath(vistrel.session.dataHome() + QStringLiteral("/applications"));
-    QFile entry(vistrel.session.dataHome() + QStringLiteral("/applications/org.test.Shot.desktop"));
-    ASSERT_TRUE(entry.open(QIODevice::WriteOnly));
-    entry.write("[Desktop Entry]\nType=Application\nName=Shot\nExec=true\nX-KDE-Shortcuts=Meta+Shift+4\n");
-    entry.close();
-    QFile shortcuts(vistrel.session.configHome() + QStringLiteral("/kglobalshortcutsrc"));
-    ASSERT_TRUE(shortcuts.open(QIODevice::WriteOnly));
-    shortcuts.write("[org.test.Shot.desktop]\n_k_friendly_name=Shot\n_launch=Meta+Shift+4,none,Shot\n");
-    shortcuts.close();
-    const auto service = vistrel.session.start(QStringLiteral("kglobalaccel5"));
+    writeFile(vistrel.session.dataHome() + u"/applications/org.test.Shot.desktop"_s,
+              "[Desktop Entry]\nType=Application\nName=Shot\nExec=true\nX-KDE-Shortcuts=Meta+Shift+4\n");
+    writeFile(vistrel.session.configHome() + u"/kglobalshortcutsrc"_s,
+              "[org.test.Shot.desktop]\n_k_friendly_name=Shot\n_launch=Meta+Shift+4,none,Shot\n");
+    const auto service = vistrel.session.start(u"kglobalaccel5"_s);
     EXPECT_TRUE(waitUntil([&] { return conflicts("KDE") == "true false"; }));
     EXPECT_EQ(conflicts("i3"), "false false");
 }
 
 TEST(ApplicationModes, AnInstalledProgramEntersTheLoginOnceAndNeverOverrulesItsUser) {
-    ApplicationOnDesktop vistrel({.screenSize = {1280, 720}, .windowManager = true});
-    const InstalledTree tree(vistrel.session.folder(QStringLiteral("home/own apps")));
-    const QString entry =
-        vistrel.session.configHome() + QStringLiteral("/autostart/com.orvane.Vistrel.desktop");
-    const auto status = [&] {
-        QByteArray printed;
-        EXPECT_EQ(vistrel.runAgain({QStringLiteral("--diagnostics")}, &printed), 0);
-        return printed.split('\n').value(1);
-    };
-
+    VistrelOnDesktop vistrel;
+    const InstalledTree tree(vistrel.session.folder(u"home/own apps"_s));
+    const QString entry = vistrel.session.configHome() + u"/autostart/com.orvane.Vistrel.desktop"_s;
+    const auto status = [&] { return diagnostics(vistrel).value(1).toStdString(); };
     vistrel.start();
     EXPECT_EQ(vistrel.end(), 0);
     EXPECT_FALSE(QFile::exists(entry)) << "a bare executable is no login item";
@@ -170,30 +152,19 @@ TEST(ApplicationModes, AnInstalledProgramEntersTheLoginOnceAndNeverOverrulesItsU
     ASSERT_TRUE(waitUntil([&] { return QFile::exists(entry); }));
     EXPECT_EQ(vistrel.end(), 0);
     EXPECT_EQ(status(), "Launch at login status: 1");
-    QFile file(entry);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    QByteArray text = file.readAll();
-    file.close();
-    EXPECT_TRUE(text.contains("\nExec=\"" + tree.program().toUtf8() + "\"\n")) << text.constData();
-
+    EXPECT_TRUE(readFile(entry).contains("\nExec=\"" + tree.program().toUtf8() + "\"\n"));
     // An update puts another file in the executable's place.
-    const QString fresh = tree.program() + QStringLiteral(".new");
+    const QString fresh = tree.program() + u".new"_s;
     ASSERT_TRUE(QFile::copy(tree.program(), fresh) && QFile::remove(tree.program()) &&
                 QFile::rename(fresh, tree.program()));
     EXPECT_EQ(status(), "Launch at login status: 1");
-
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(text + "Hidden=true\n");
-    file.close();
+    writeFile(entry, readFile(entry) + "Hidden=true\n");
     EXPECT_EQ(status(), "Launch at login status: 2");
 
     ASSERT_TRUE(QFile::remove(entry));
     vistrel.launch();
     EXPECT_EQ(vistrel.end(), 0);
     EXPECT_FALSE(QFile::exists(entry)) << "it was switched off by the user";
-
-    QByteArray printed;
-    EXPECT_EQ(vistrel.runAgain({QStringLiteral("--enable-launch-at-login")}, &printed), 0);
-    EXPECT_EQ(printed, "Launch at login status: 1\n");
+    EXPECT_EQ(printed(vistrel, {u"--enable-launch-at-login"_s}), "Launch at login status: 1\n");
     EXPECT_TRUE(QFile::exists(entry));
 }

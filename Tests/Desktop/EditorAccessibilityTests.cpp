@@ -1,28 +1,18 @@
 #include "Desktop/EditorOnDesktop.h"
-
-#include "VistrelPlatform/Keyboard.h"
-
-#include <QDir>
-#include <QFile>
+#include "Support/TestFiles.h"
 
 #include <gtest/gtest.h>
 
-namespace {
+using namespace Qt::StringLiterals;
 
-using Editor = EditorOnDesktop;
+namespace {
 
 /// Programs whose environment names the session's folder.
 QStringList programsUsing(const QString& folder) {
     QStringList found;
-    for (const QString& id : QDir(QStringLiteral("/proc")).entryList(QDir::Dirs)) {
-        QFile environment(QStringLiteral("/proc/%1/environ").arg(id));
-        if (id.toInt() > 0 && environment.open(QIODevice::ReadOnly) &&
-            environment.readAll().contains(folder.toUtf8())) {
-            QFile name(QStringLiteral("/proc/%1/comm").arg(id));
-            if (name.open(QIODevice::ReadOnly))
-                found << QString::fromUtf8(name.readAll().trimmed());
-        }
-    }
+    for (const QString& id : QDir(u"/proc"_s).entryList(QDir::Dirs))
+        if (id.toInt() > 0 && readFile(u"/proc/%1/environ"_s.arg(id)).contains(folder.toUtf8()))
+            found << QString::fromUtf8(readFile(u"/proc/%1/comm"_s.arg(id)));
     return found;
 }
 
@@ -30,12 +20,9 @@ QStringList programsUsing(const QString& folder) {
 class AccessibleEditor : public ::testing::Test {
 protected:
     AccessibleEditor() {
-        DesktopSession& session = editor->session;
-        session.setEnvironment("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1");
-        bus = session.start(QStringLiteral("/usr/libexec/at-spi-bus-launcher"),
-                            {QStringLiteral("--launch-immediately")});
+        editor->session.setEnvironment("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1");
+        bus = editor->session.start(u"/usr/libexec/at-spi-bus-launcher"_s, {u"--launch-immediately"_s});
     }
-
     ~AccessibleEditor() override {
         const QString folder = editor->session.folder();
         editor->program.reset();
@@ -47,17 +34,15 @@ protected:
     }
 
     /// Carries out the steps one by one; what went wrong, or nothing.
-    std::string follow(const QStringList& steps) {
-        const auto client = editor->session.start(
-            QStringLiteral("/usr/bin/python3"),
-            QStringList(QStringLiteral(VISTREL_SOURCE_DIR "/Tests/Desktop/AccessibilityClient.py")) + steps);
-        const std::optional<int> status = client->waitForExit(2 * patience);
-        return status == 0 ? std::string() : client->standardError().toStdString() + " (no success)";
+    std::string follow(const char* steps) {
+        QStringList arguments(QStringLiteral(VISTREL_SOURCE_DIR "/Tests/Desktop/AccessibilityClient.py"));
+        arguments += QString::fromUtf8(steps).split(u'\n', Qt::SkipEmptyParts);
+        const auto client = editor->session.start(u"/usr/bin/python3"_s, arguments);
+        return client->waitForExit(2 * patience) == 0 ? ""
+                                                      : client->standardError().toStdString() + "(failed)";
     }
 
-    std::optional<Editor> editor{
-        std::in_place,
-        DesktopSession::Options{.screenSize = {1280, 720}, .windowManager = true, .sessionBus = true}};
+    std::optional<EditorOnDesktop> editor{std::in_place, desktopWithBus()};
     std::unique_ptr<ChildProgram> bus;
 };
 
@@ -65,52 +50,56 @@ protected:
 
 TEST_F(AccessibleEditor, IsFoundAndUsedByNamesAndRoles) {
     ASSERT_TRUE(editor->edit({300, 120, 600, 440}));
-    QStringList everything;
-    for (const char* tool : {"Select", "Pen", "Line", "Arrow", "Rectangle", "Ellipse", "Marker",
-                             "Blur Marker", "Pixelate", "Text"})
-        everything << QStringLiteral("expect/radio button/%1/enabled").arg(QLatin1StringView(tool));
-    everything << QStringLiteral("expect/radio button/Select/checked")
-               << QStringLiteral("expect/push button/Undo/!enabled")
-               << QStringLiteral("expect/push button/Redo/!enabled")
-               << QStringLiteral("expect/push button/Start Recording/!enabled")
-               << QStringLiteral("expect/push button/Share/enabled")
-               << QStringLiteral("expect/push button/Save/enabled")
-               << QStringLiteral("expect/push button/Copy/enabled")
-               << QStringLiteral("expect/push button/Drawing color/!enabled")
-               << QStringLiteral("expect/text/Size/!enabled")
-               << QStringLiteral("expect/list/Annotation layers, newest first")
-               // Disabled, and so without an answer.
-               << QStringLiteral("press/push button/Start Recording/Press")
-               << QStringLiteral("press/radio button/Rectangle/Press")
-               << QStringLiteral("expect/radio button/Rectangle/checked")
-               << QStringLiteral("press/push button/Increase size/Press")
-               << QStringLiteral("write/text/Size/8") << QStringLiteral("write/text/Size/none")
-               << QStringLiteral("press/push button/Decrease size/Press");
-    EXPECT_EQ(follow(everything), "");
+    // What is disabled gives no answer.
+    EXPECT_EQ(follow(R"(
+expect/radio button/Select/checked
+expect/radio button/Pen/enabled
+expect/radio button/Line/enabled
+expect/radio button/Arrow/enabled
+expect/radio button/Ellipse/enabled
+expect/radio button/Marker/enabled
+expect/radio button/Blur Marker/enabled
+expect/radio button/Pixelate/enabled
+expect/radio button/Text/enabled
+expect/push button/Undo/!enabled
+expect/push button/Redo/!enabled
+expect/push button/Start Recording/!enabled
+expect/push button/Share/enabled
+expect/push button/Save/enabled
+expect/push button/Drawing color/!enabled
+expect/text/Size/!enabled
+expect/list/Annotation layers, newest first
+press/push button/Start Recording/Press
+press/radio button/Rectangle/Press
+expect/radio button/Rectangle/checked
+press/push button/Increase size/Press
+write/text/Size/8
+write/text/Size/none
+press/push button/Decrease size/Press)"),
+              "");
     EXPECT_EQ(editor->steps(4),
               "toolSelected(3,3,0) sizeChanged(3,4,0) sizeChanged(3,8,0) sizeChanged(3,7,0)");
-
     for (int i = 0; i < 3; ++i)
         editor->drag({340 + 180 * i, 200}, {440 + 180 * i, 400});
-    editor->layers = 3;
     EXPECT_EQ(editor->steps(3), "layerCreated(3,7,1) layerCreated(3,7,2) layerCreated(3,7,3)");
-    EXPECT_EQ(
-        follow({QStringLiteral("expect/label/Layers · 3"),
-                QStringLiteral("expect/push button/Drag to reorder Rectangle layer"),
-                QStringLiteral("press/list item/Rectangle/Press"),
-                QStringLiteral("expect/list item/Rectangle/selected"),
-                QStringLiteral("press/push button/Delete Rectangle/Press"),
-                QStringLiteral("press/list item/Rectangle/Delete"),
-                QStringLiteral("press/push button/Undo/Press"), QStringLiteral("expect/label/Layers · 2"),
-                QStringLiteral("press/push button/Redo/Press"),
-                QStringLiteral("press/radio button/Pen/Press"),
-                QStringLiteral("press/push button/Drawing color/Press"),
-                QStringLiteral("expect/dialog/Drawing color")}),
-        "");
+    EXPECT_EQ(follow(R"(
+expect/label/Layers · 3
+expect/push button/Drag to reorder Rectangle layer
+press/list item/Rectangle/Press
+expect/list item/Rectangle/selected
+press/push button/Delete Rectangle/Press
+press/list item/Rectangle/Delete
+press/push button/Undo/Press
+expect/label/Layers · 2
+press/push button/Redo/Press
+press/radio button/Pen/Press
+press/push button/Drawing color/Press
+expect/dialog/Drawing color)"),
+              "");
     EXPECT_EQ(editor->steps(6), "layerSelected(3,7,3) layerDeleted(3,7,3) layerDeleted(3,3,2) undo(0,3,2) "
                                 "redo(0,3,1) toolSelected(1,3,1)");
-    editor->session.input().key(Key::escape);
-    EXPECT_EQ(follow({QStringLiteral("press/push button/Copy/Press")}), "");
-    ASSERT_TRUE(editor->waitFor(QStringLiteral("captureClosed")));
+    editor->key(Key::escape);
+    EXPECT_EQ(follow("press/push button/Copy/Press"), "");
+    ASSERT_TRUE(editor->waitFor("captureClosed"));
     EXPECT_EQ(editor->clipboardImage().size(), QSize(600, 440));
 }

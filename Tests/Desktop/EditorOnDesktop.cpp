@@ -17,13 +17,9 @@ EditorOnDesktop::EditorOnDesktop(const DesktopSession::Options& options)
 bool EditorOnDesktop::edit(QRect area) {
     selection = area;
     start();
-    if (!capture())
-        return false;
-    drag(area.topLeft(), area.topLeft() + QPoint(area.width(), area.height()));
-    if (!waitFor(QStringLiteral("selectionCreated")))
-        return false;
+    const bool selected = capture() && select(area);
     read = actions().size();
-    return true;
+    return selected;
 }
 
 EditorLayout EditorOnDesktop::layout() const {
@@ -49,28 +45,12 @@ QPoint EditorOnDesktop::cell(int row, int column) const {
 }
 
 QPoint EditorOnDesktop::toolButton(Tool tool) const {
-    switch (tool) {
-    case select:
-        return cell(5, 0);
-    case pen:
-        return cell(4, 0);
-    case marker:
-        return cell(4, 1);
-    case rectangle:
-        return cell(3, 0);
-    case ellipse:
-        return cell(3, 1);
-    case line:
-        return cell(2, 0);
-    case arrow:
-        return cell(2, 1);
-    case blur:
-        return cell(1, 0);
-    case pixelate:
-        return cell(1, 1);
-    case text:
-        return cell(0, 0);
-    }
+    constexpr Tool places[][2] = {{text, text},         {blur, pixelate}, {line, arrow},
+                                  {rectangle, ellipse}, {pen, marker},    {selectTool, selectTool}};
+    for (int row = 0; row < int(std::size(places)); ++row)
+        for (const int column : {0, 1})
+            if (places[row][column] == tool)
+                return cell(row, column);
     return {};
 }
 
@@ -83,14 +63,9 @@ QPoint EditorOnDesktop::minusButton() const {
     return sizeField() - QPoint(qRound(onScreen(layout().tools).width() / 2) - 8, 0);
 }
 
-QPoint EditorOnDesktop::plusButton() const {
-    return sizeField() + QPoint(qRound(onScreen(layout().tools).width() / 2) - 8, 0);
-}
-
 QPoint EditorOnDesktop::actionButton(Action action) const {
     const QRectF bar = onScreen(layout().actions);
-    return QPointF(bar.left() + (static_cast<int>(action) + 0.5) * bar.width() / 4, bar.center().y())
-        .toPoint();
+    return QPointF(bar.left() + (int(action) + 0.5) * bar.width() / 4, bar.center().y()).toPoint();
 }
 
 QPoint EditorOnDesktop::rowPoint(int row, double designX) const {
@@ -107,43 +82,21 @@ QPoint EditorOnDesktop::rowTrash(int row) const {
 }
 
 std::string EditorOnDesktop::steps(int count) {
-    std::vector<QJsonObject> found;
-    const auto collect = [&] {
-        found = events();
-        std::erase_if(found, [](const QJsonObject& event) {
-            return event[QLatin1StringView("action")].toString() == QLatin1StringView("capturePhase");
-        });
-        return qsizetype(found.size()) >= read + count;
-    };
-    waitUntil(collect);
+    waitUntil([&] { return actions().size() >= read + count; });
     std::string story;
-    for (qsizetype i = read; i < std::min(read + count, qsizetype(found.size())); ++i) {
-        const QJsonObject& event = found[std::size_t(i)];
-        const QJsonValue details = event[QLatin1StringView("details")];
+    qsizetype index = 0;
+    for (const QJsonObject& event : events()) {
+        const QString action = event[u"action"].toString();
+        if (action == QLatin1String("capturePhase") || index++ < read || index > read + count)
+            continue;
+        const QJsonValue details = event[u"details"];
         const auto number = [&](const char* name) {
-            const QJsonValue value = details[QLatin1StringView(name)];
+            const QJsonValue value = details[QLatin1String(name)];
             return value.isDouble() ? std::to_string(value.toInt()) : std::string("-");
         };
-        story += (story.empty() ? "" : " ") + event[QLatin1StringView("action")].toString().toStdString() +
-                 '(' + number("tool") + ',' + number("size") + ',' + number("layers") + ')';
+        story += (story.empty() ? "" : " ") + action.toStdString() + '(' + number("tool") + ',' +
+                 number("size") + ',' + number("layers") + ')';
     }
-    read = std::min(read + count, qsizetype(found.size()));
+    read = std::min(read + count, index);
     return story;
-}
-
-QImage EditorOnDesktop::settledSelection() {
-    constexpr int looksAlike = 25;
-    QImage last;
-    int alike = 0;
-    EXPECT_TRUE(waitUntil([&] {
-        const QImage now = session.screenPixels(selection);
-        alike = now == last ? alike + 1 : 0;
-        last = now;
-        return alike >= looksAlike;
-    }));
-    return last;
-}
-
-bool EditorOnDesktop::waitUntilSelectionShows(const QImage& picture) {
-    return waitUntil([&] { return session.screenPixels(selection) == picture; });
 }

@@ -4,15 +4,14 @@
 #include "VistrelCore/EditorLayout.h"
 
 /// The editor of one display as its user sees it: where every control stands on the screen, and what the
-/// journal says of each step. One display of 1280 × 720 at scale 1, its picture without two equal pixels.
+/// journal says of each step. The display's picture has no two equal neighbours.
 class EditorOnDesktop : public VistrelOnDesktop {
 public:
     /// In the order of the journal's numbers.
-    enum Tool { select, pen, arrow, rectangle, marker, line, ellipse, blur, pixelate, text };
-    enum Action { record, share, save, copy };
+    enum Tool { selectTool, pen, arrow, rectangle, marker, line, ellipse, blur, pixelate, text };
+    enum Action { record, share, save, copyAction };
 
-    explicit EditorOnDesktop(const DesktopSession::Options& options = {.screenSize = {1280, 720},
-                                                                       .windowManager = true});
+    explicit EditorOnDesktop(const DesktopSession::Options& options = plainDesktop());
 
     /// Starts the program, captures and drags out `area`.
     [[nodiscard]] bool edit(QRect area);
@@ -21,9 +20,9 @@ public:
     QPoint undoButton() const { return cell(6, 0); }
     QPoint redoButton() const { return cell(6, 1); }
     QPoint colorWell() const { return cell(5, 1); }
-    QPoint minusButton() const;
     QPoint sizeField() const;
-    QPoint plusButton() const;
+    QPoint plusButton() const { return 2 * sizeField() - minusButton(); }
+    QPoint minusButton() const;
     QPoint actionButton(Action action) const;
     /// Parts of a row in sight, counted from the top of the list before it was scrolled.
     QPoint rowIcon(int row) const { return rowPoint(row, 14); }
@@ -32,13 +31,10 @@ public:
 
     void click(QPoint position) { session.input().click(position); }
     void drag(QPoint from, QPoint to) { session.input().drag(from, to); }
-    void type(const char* keys) { session.input().type(QString::fromLatin1(keys)); }
 
     /// Waits for the next `count` steps in the journal; each as "action(tool,size,layers)".
-    std::string steps(int count);
-    /// What the selection shows, once it looks the same for several looks in a row.
-    QImage settledSelection();
-    bool waitUntilSelectionShows(const QImage& picture);
+    std::string steps(int count = 1);
+    QImage settledSelection() { return settled(selection); }
 
     QImage desktop;
     QRect selection;

@@ -1,6 +1,7 @@
 #include "Desktop/InstalledTree.h"
 
-#include <QFile>
+#include "Support/TestFiles.h"
+
 #include <QJsonDocument>
 #include <QProcess>
 
@@ -9,25 +10,23 @@
 InstalledTree::InstalledTree(const QString& folder) : prefix(folder) {
     run(QStringLiteral(VISTREL_CMAKE),
         {QStringLiteral("--install"), QStringLiteral(VISTREL_BUILD_DIR), QStringLiteral("--prefix"), prefix});
+    // A hundred megabytes: what the program itself writes safely would wait behind them.
+    run(QStringLiteral("sync"), {QStringLiteral("-f"), prefix});
 }
 
-InstalledTree InstalledTree::copied(const QString& folder) const {
-    run(QStringLiteral("cp"), {QStringLiteral("-a"), prefix, folder});
-    return InstalledTree(Existing{folder});
+InstalledTree::InstalledTree(const InstalledTree& original, const QString& folder) : prefix(folder) {
+    run(QStringLiteral("cp"), {QStringLiteral("-a"), original.prefix, folder});
 }
 
 QJsonObject InstalledTree::information() const {
-    QFile file(prefix + QStringLiteral("/share/vistrel/Info.json"));
-    return file.open(QIODevice::ReadOnly) ? QJsonDocument::fromJson(file.readAll()).object() : QJsonObject();
+    return QJsonDocument::fromJson(readFile(prefix + QStringLiteral("/share/vistrel/Info.json"))).object();
 }
 
 void InstalledTree::inform(const QJsonObject& values) const {
     QJsonObject all = information();
     for (auto value = values.begin(); value != values.end(); ++value)
         all.insert(value.key(), value.value());
-    QFile file(prefix + QStringLiteral("/share/vistrel/Info.json"));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(QJsonDocument(all).toJson());
+    writeFile(prefix + QStringLiteral("/share/vistrel/Info.json"), QJsonDocument(all).toJson());
 }
 
 QByteArray InstalledTree::run(const QString& program, const QStringList& arguments) {

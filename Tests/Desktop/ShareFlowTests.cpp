@@ -1,18 +1,15 @@
 #include "Desktop/EditorOnDesktop.h"
-
-#include "VistrelPlatform/Keyboard.h"
+#include "Support/TestFiles.h"
 #include "VistrelPlatform/SharePeer.h"
 
 #include <QDBusArgument>
 #include <QDBusMetaType>
-#include <QDir>
 #include <QDirIterator>
-#include <QFile>
+#include <QUrl>
 
 #include <gtest/gtest.h>
 
-#include <csignal>
-#include <sys/stat.h>
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -20,186 +17,149 @@ namespace {
 class ShareFlow : public ::testing::Test {
 protected:
     ShareFlow() {
-        DesktopSession& session = vistrel.session;
-        for (const char* name : {"data/applications", "bin", "nothing"})
-            QDir().mkpath(session.folder(QLatin1StringView(name)));
-        session.setEnvironment("XDG_DATA_DIRS", session.folder(QStringLiteral("nothing")).toStdString());
-        session.setEnvironment("PATH", session.folder(QStringLiteral("bin")).toStdString() + ":" +
-                                           session.environment().at("PATH"));
+        vistrel.session.setEnvironment("XDG_DATA_DIRS", path("nothing").toStdString());
+        vistrel.session.setEnvironment("PATH", path("bin").toStdString() + ":" +
+                                                   vistrel.session.environment().at("PATH"));
         // Both live until the test lets them go.
-        const QString untilReleased = QStringLiteral("while [ ! -e '%1' ]; do sleep 0.05; done\n")
-                                          .arg(session.folder(QStringLiteral("released")));
-        writeProgram(QStringLiteral("viewer"),
-                     QStringLiteral("cp \"$1\" '%1/shared.png'\n"
-                                    "stat -c '%a' \"$1\" \"${1%/*}\" | tr '\\n' ' ' > '%1/modes'\n"
-                                    "echo \"$1\" > '%1/path.new' && mv '%1/path.new' '%1/path'\n")
-                             .replace(QStringLiteral("%1/"), session.folder() + u'/') +
-                         untilReleased);
-        writeProgram(QStringLiteral("gnome-control-center"),
-                     QStringLiteral("echo \"$@\" > '%1'\n").arg(session.folder(QStringLiteral("page"))) +
-                         untilReleased);
-        writeProgram(QStringLiteral("fleeting"), QStringLiteral("exit 1\n"));
-        writeFile(QStringLiteral("data/applications/mimeinfo.cache"),
+        const QByteArray untilReleased = "while [ ! -e '%1/released' ]; do sleep 0.05; done\n";
+        install("viewer", "cp \"$1\" '%1/shared.png'\n"
+                          "stat -c '%a' \"$1\" \"${1%/*}\" | tr '\\n' ' ' > '%1/modes'\n"
+                          "echo \"$1\" > '%1/path.new' && mv '%1/path.new' '%1/path'\n" +
+                              untilReleased);
+        install("gnome-control-center", "echo \"$@\" > '%1/page'\n" + untilReleased);
+        install("fleeting", "exit 1\n");
+        writeFile(path("data/applications/mimeinfo.cache"),
                   "[MIME Cache]\nimage/png=fleeting.desktop;viewer.desktop;\n");
-        writeFile(QStringLiteral("config/mimeapps.list"),
-                  "[Default Applications]\nimage/png=viewer.desktop\n");
+        writeFile(path("config/mimeapps.list"), "[Default Applications]\nimage/png=viewer.desktop\n");
     }
-    ~ShareFlow() override { writeFile(QStringLiteral("released"), {}); }
+    ~ShareFlow() override { release(); }
 
-    void writeFile(const QString& name, const QByteArray& text) const {
-        QFile file(vistrel.session.folder(name));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly)) << name.toStdString();
-        file.write(text);
+    [[nodiscard]] bool edit() {
+        const bool selected = vistrel.edit(area);
+        overlay = vistrel.nextFocus();
+        return selected;
     }
-    void writeProgram(const QString& name, const QString& script) const {
-        const QString path = vistrel.session.folder(QStringLiteral("bin/") + name);
-        writeFile(QStringLiteral("bin/") + name, "#!/bin/sh\n" + script.toUtf8());
-        QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        writeFile(
-            QStringLiteral("data/applications/%1.desktop").arg(name),
-            QStringLiteral("[Desktop Entry]\nType=Application\nName=%1\nExec=%2 %f\nMimeType=image/png;\n")
-                .arg(name, path)
-                .toUtf8());
+
+    QString path(const char* name) const { return vistrel.session.folder(QLatin1String(name)); }
+    void install(const QByteArray& name, QByteArray script) const {
+        script.replace("%1", vistrel.session.folder().toUtf8());
+        writeFile(path("bin/" + name), "#!/bin/sh\n" + script, true);
+        writeFile(path("data/applications/" + name + ".desktop"),
+                  "[Desktop Entry]\nType=Application\nName=" + name +
+                      "\nExec=" + path("bin/" + name).toUtf8() + " %f\nMimeType=image/png;\n");
     }
-    QByteArray text(const char* name) const {
-        QFile file(vistrel.session.folder(QLatin1StringView(name)));
-        return file.open(QIODevice::ReadOnly) ? file.readAll().trimmed() : QByteArray();
-    }
+    void release() const { writeFile(path("released"), {}); }
+    QByteArray text(const char* name) const { return readFile(path(name)).trimmed(); }
     QStringList picturesOnDisk() const {
-        QDirIterator files(vistrel.session.folder(QStringLiteral("runtime/Vistrel/Share")), QDir::Files,
-                           QDirIterator::Subdirectories);
+        QDirIterator files(path("runtime/Vistrel/Share"), QDir::Files, QDirIterator::Subdirectories);
         QStringList found;
         while (files.hasNext())
             found << files.next();
         return found;
     }
 
-    /// Opens the menu and waits until it is on the screen.
-    [[nodiscard]] bool openMenu(int time) {
+    /// Opens the menu, waits until it is on the screen, goes along it and chooses.
+    [[nodiscard]] bool choose(int time, std::initializer_list<KeyCode> keys) {
         vistrel.click(vistrel.actionButton(EditorOnDesktop::share));
-        return vistrel.waitFor(QStringLiteral("shareRequested"), time) && waitUntil([this] {
-                   const auto windows = vistrel.windows();
-                   return windows.size() == 2 && windows.back().rect.width() < 1280;
-               });
+        const bool isOpen = vistrel.waitFor("shareRequested", time) && waitUntil([this] {
+                                const auto windows = vistrel.windows();
+                                return windows.size() == 2 && windows.back().rect.width() < 1280;
+                            });
+        for (const KeyCode key : keys)
+            vistrel.key(key);
+        return isOpen;
     }
     bool overlayIsBack() {
         return waitUntil([this] {
-            const auto windows = vistrel.windows();
-            return windows.size() == 1 && vistrel.session.client().focusedWindow() == overlay;
+            return vistrel.windows().size() == 1 && vistrel.session.client().focusedWindow() == overlay;
         });
     }
     bool overlayIsGone() {
         return waitUntil([this] { return vistrel.windows().empty(); });
     }
-    void press(KeyCode key) { vistrel.session.input().key(key); }
 
-    EditorOnDesktop vistrel{{.screenSize = {1280, 720}, .windowManager = true, .sessionBus = true}};
+    static constexpr QRect area{100, 100, 400, 300};
+    EditorOnDesktop vistrel{desktopWithBus()};
     xcb_window_t overlay = XCB_NONE;
 };
 
 } // namespace
 
 TEST_F(ShareFlow, TheOverlayMakesRoomForTheChosenProgramAndComesBackUnlessItStarted) {
-    ASSERT_TRUE(vistrel.edit({100, 100, 400, 300}));
-    overlay = vistrel.nextFocus();
-
-    ASSERT_TRUE(openMenu(1));
-    press(Key::escape);
-    ASSERT_TRUE(vistrel.waitFor(QStringLiteral("shareCancelled"), 1));
+    ASSERT_TRUE(edit() && choose(1, {Key::escape}));
+    ASSERT_TRUE(vistrel.waitFor("shareCancelled", 1));
     EXPECT_TRUE(overlayIsBack());
 
     // The desktop's settings: gone while the user is there, back with the next capture.
-    ASSERT_TRUE(openMenu(2));
-    press(Key::upArrow);
-    press(Key::returnKey);
+    ASSERT_TRUE(choose(2, {Key::upArrow, Key::returnKey}));
     ASSERT_TRUE(overlayIsGone());
     EXPECT_TRUE(waitUntil([this] { return text("page") == "default-apps"; }));
     vistrel.pressShortcut();
-    ASSERT_TRUE(vistrel.waitFor(QStringLiteral("shareCancelled"), 2));
+    ASSERT_TRUE(vistrel.waitFor("shareCancelled", 2));
     EXPECT_TRUE(overlayIsBack());
 
     // A program that is there no longer when it is chosen.
-    ASSERT_TRUE(openMenu(3));
-    EXPECT_TRUE(QFile::remove(vistrel.session.folder(QStringLiteral("bin/fleeting"))));
-    press(Key::downArrow);
-    press(Key::downArrow);
-    press(Key::returnKey);
-    ASSERT_TRUE(vistrel.waitFor(QStringLiteral("shareCancelled"), 3));
+    ASSERT_TRUE(choose(3, {}));
+    EXPECT_TRUE(QFile::remove(path("bin/fleeting")));
+    for (const KeyCode key : {Key::downArrow, Key::downArrow, Key::returnKey})
+        vistrel.key(key);
+    ASSERT_TRUE(vistrel.waitFor("shareCancelled", 3));
     EXPECT_TRUE(overlayIsBack());
     EXPECT_EQ(picturesOnDisk(), QStringList());
 
     // The preferred one, which comes first.
-    ASSERT_TRUE(openMenu(4));
-    press(Key::downArrow);
-    press(Key::returnKey);
-    ASSERT_TRUE(vistrel.waitFor(QStringLiteral("captureClosed")));
+    ASSERT_TRUE(choose(4, {Key::downArrow, Key::returnKey}));
+    ASSERT_TRUE(vistrel.waitFor("captureClosed"));
     EXPECT_TRUE(overlayIsGone());
     ASSERT_TRUE(waitUntil([this] { return !text("path").isEmpty(); }));
     EXPECT_EQ(text("modes"), "600 700");
     EXPECT_EQ(QStringList(QString::fromUtf8(text("path"))), picturesOnDisk());
-    EXPECT_EQ(largestDifference(QImage(vistrel.session.folder(QStringLiteral("shared.png"))),
-                                vistrel.desktop.copy(100, 100, 400, 300)),
-              0);
-    EXPECT_EQ(
-        vistrel.story(),
-        std::string("launch captureRequested captureReady selectionCreated shareRequested shareCancelled "
-                    "shareRequested captureBusy shareCancelled shareRequested shareCancelled "
-                    "shareRequested shareSucceeded captureClosed"));
+    EXPECT_TRUE(pictureIn(readFile(path("shared.png"))) == vistrel.desktop.copy(area));
+    EXPECT_EQ(vistrel.story(),
+              "launch captureRequested captureReady selectionCreated shareRequested shareCancelled "
+              "shareRequested captureBusy shareCancelled shareRequested shareCancelled "
+              "shareRequested shareSucceeded captureClosed");
 
     // The reader may still need the picture when we end; the next launch removes it.
-    vistrel.program->sendSignal(SIGTERM);
-    EXPECT_EQ(vistrel.program->waitForExit(patience), 0);
+    EXPECT_EQ(vistrel.end(), 0);
     EXPECT_EQ(picturesOnDisk().size(), 1);
     vistrel.start();
     EXPECT_TRUE(waitUntil([this] { return picturesOnDisk().isEmpty(); }));
 }
 
 TEST_F(ShareFlow, ClosingTheSettingsBringsTheOverlayBackAndEscapeEndsTheCapture) {
-    ASSERT_TRUE(vistrel.edit({100, 100, 400, 300}));
-    overlay = vistrel.nextFocus();
-    ASSERT_TRUE(openMenu(1));
-    press(Key::upArrow);
-    press(Key::returnKey);
+    ASSERT_TRUE(edit() && choose(1, {Key::upArrow, Key::returnKey}));
     ASSERT_TRUE(overlayIsGone());
     ASSERT_TRUE(waitUntil([this] { return !text("page").isEmpty(); }));
     // A settings program that ends at once has only passed the request on.
     std::this_thread::sleep_for(std::chrono::seconds(4));
-    writeFile(QStringLiteral("released"), {});
-    ASSERT_TRUE(vistrel.waitFor(QStringLiteral("shareCancelled")));
+    release();
+    ASSERT_TRUE(vistrel.waitFor("shareCancelled"));
     EXPECT_TRUE(overlayIsBack());
-    press(Key::escape);
-    ASSERT_TRUE(vistrel.waitFor(QStringLiteral("captureClosed")));
+    ASSERT_TRUE(vistrel.closeCapture());
     EXPECT_EQ(picturesOnDisk(), QStringList());
 }
 
 TEST_F(ShareFlow, ADeviceThatTheDesktopReachesIsOfferedAndGetsThePicture) {
     qDBusRegisterMetaType<QMap<QString, QString>>();
-    const QString connection = QStringLiteral("devices");
-    const QDBusConnection bus = QDBusConnection::connectToBus(
-        QString::fromStdString(vistrel.session.environment().at("DBUS_SESSION_BUS_ADDRESS")), connection);
+    const QDBusConnection bus = QDBusConnection::connectToBus(vistrel.session.busAddress(), u"devices"_s);
     bool asked = false;
     QString address;
     {
-        const SharePeer daemon(bus, QStringLiteral("org.kde.kdeconnect"), [&](const QDBusMessage& call) {
-            QVariant answer;
-            if (call.member() == QLatin1StringView("deviceNames")) {
-                answer = QVariant::fromValue(
-                    QMap<QString, QString>{{QStringLiteral("ab_1"), QStringLiteral("Tablet")}});
-                asked = true;
-            } else {
-                address = call.arguments().value(0).toString();
-            }
-            bus.send(answer.isNull() ? call.createReply() : call.createReply(answer));
+        const SharePeer daemon(bus, u"org.kde.kdeconnect"_s, [&](const QDBusMessage& call) {
+            const QMap<QString, QString> names{{u"ab_1"_s, u"Tablet"_s}};
+            const bool asksNames = call.member() == "deviceNames"_L1;
+            asked |= asksNames;
+            if (!asksNames)
+                address = call.path() + ' '_L1 + call.arguments().value(0).toString();
+            bus.send(asksNames ? call.createReply(QVariant::fromValue(names)) : call.createReply());
         });
-        ASSERT_TRUE(vistrel.edit({100, 100, 400, 300}));
-        ASSERT_TRUE(waitUntil([&] { return asked; }));
-        ASSERT_TRUE(openMenu(1));
-        press(Key::downArrow); // before the applications
-        press(Key::returnKey);
-        ASSERT_TRUE(waitUntil([&] { return !address.isEmpty(); }));
-        ASSERT_TRUE(vistrel.waitFor(QStringLiteral("shareSucceeded")));
-        EXPECT_EQ(QStringList(QUrl(address).toLocalFile()), picturesOnDisk());
+        ASSERT_TRUE(edit() && waitUntil([&] { return asked; }));
+        ASSERT_TRUE(choose(1, {Key::downArrow, Key::returnKey})); // before the applications
+        ASSERT_TRUE(vistrel.waitFor("shareSucceeded"));
+        ASSERT_EQ(picturesOnDisk().size(), 1);
+        EXPECT_TRUE(address.endsWith("/devices/ab_1/share file://"_L1 + picturesOnDisk().first()));
         EXPECT_TRUE(overlayIsGone());
     }
-    QDBusConnection::disconnectFromBus(connection);
+    QDBusConnection::disconnectFromBus(u"devices"_s);
 }

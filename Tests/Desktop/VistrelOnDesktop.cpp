@@ -1,45 +1,46 @@
 #include "Desktop/VistrelOnDesktop.h"
 
-#include "VistrelPlatform/Keyboard.h"
+#include "Support/TestFiles.h"
 
-#include <QDir>
-#include <QFile>
+#include <QColorSpace>
+#include <QJsonArray>
 #include <QJsonDocument>
 
 #include <gtest/gtest.h>
 
-#include <random>
+#include <csignal>
 
 namespace {
-constexpr KeyCode digitNine = 25;
 const QMap<char, KeyCode> letterKeys = {{'a', 0}, {'s', 1}, {'z', 6}, {'x', 7}, {'c', 8}, {'v', 9}};
 } // namespace
 
-VistrelOnDesktop::VistrelOnDesktop(const DesktopSession::Options& options, const QJsonObject& defaults)
+VistrelOnDesktop::VistrelOnDesktop(const DesktopSession::Options& options, const QJsonObject& stored)
     : session(options),
       programPath(qEnvironmentVariable("VISTREL_PROGRAM", QStringLiteral(VISTREL_BUILT_PROGRAM))) {
     QJsonObject all{{QStringLiteral("onboardingVersion"), 2}, {QStringLiteral("onboardingComplete"), true}};
-    for (auto key = defaults.begin(); key != defaults.end(); ++key)
-        all.insert(key.key(), key.value());
-    QDir().mkpath(session.configHome() + QStringLiteral("/Vistrel"));
-    QFile file(session.configHome() + QStringLiteral("/Vistrel/defaults.json"));
-    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(QJsonDocument(all).toJson());
+    for (auto entry = stored.begin(); entry != stored.end(); ++entry)
+        all.insert(entry.key(), entry.value());
+    setDefaults(all);
+}
+
+void VistrelOnDesktop::launch(const QStringList& arguments) {
+    const int launches = count("launch");
+    program = startProgram(arguments);
+    ASSERT_TRUE(waitFor("launch", launches + 1));
 }
 
 void VistrelOnDesktop::start() {
-    const auto launches = actions().count(QStringLiteral("launch"));
-    program = startProgram();
-    ASSERT_TRUE(waitFor(QStringLiteral("launch"), static_cast<int>(launches) + 1))
-        << program->standardError().constData();
+    launch();
     // A shortcut is stored as soon as it is registered.
-    QFile defaults(session.configHome() + QStringLiteral("/Vistrel/defaults.json"));
-    ASSERT_TRUE(waitUntil([&] {
-        const bool stored =
-            defaults.open(QIODevice::ReadOnly) && defaults.readAll().contains("screenshotShortcuts");
-        defaults.close();
-        return stored;
-    })) << program->standardError().constData();
+    ASSERT_TRUE(waitUntil([&] { return readFile(defaultsPath()).contains("screenshotShortcuts"); }))
+        << program->standardError().constData();
+}
+
+std::optional<int> VistrelOnDesktop::end() {
+    program->sendSignal(SIGTERM);
+    const std::optional<int> status = program->waitForExit(patience);
+    EXPECT_GE(status.value_or(-1), 0) << program->standardError().constData();
+    return status;
 }
 
 std::unique_ptr<ChildProgram> VistrelOnDesktop::startProgram(const QStringList& arguments) {
@@ -55,52 +56,109 @@ std::optional<int> VistrelOnDesktop::runAgain(const QStringList& arguments, QByt
 }
 
 void VistrelOnDesktop::pressShortcut() {
-    session.input().chord(Modifier::command | Modifier::shift, digitNine);
+    constexpr KeyCode nineKey = 25;
+    key(nineKey, Modifier::command | Modifier::shift);
 }
 
 bool VistrelOnDesktop::capture() {
+    const int before = count("captureReady");
     pressShortcut();
-    return waitFor(QStringLiteral("captureReady"), ++captures);
+    return waitFor("captureReady", before + 1);
+}
+
+bool VistrelOnDesktop::select(QRect area) {
+    const int before = count("selectionCreated");
+    session.input().drag(area.topLeft(), area.topLeft() + QPoint(area.width(), area.height()));
+    return waitFor("selectionCreated", before + 1);
+}
+
+QImage VistrelOnDesktop::copy() {
+    const int before = count("captureClosed");
+    command('c');
+    EXPECT_TRUE(waitFor("captureClosed", before + 1));
+    return clipboardImage();
+}
+
+bool VistrelOnDesktop::closeCapture() {
+    const int before = count("captureClosed");
+    key(Key::escape);
+    return waitFor("captureClosed", before + 1);
 }
 
 void VistrelOnDesktop::command(char letter) {
-    session.input().chord(Modifier::control, letterKeys.value(letter));
+    key(letterKeys.value(letter), Modifier::control);
 }
 
 std::vector<QJsonObject> VistrelOnDesktop::events() const {
-    QFile file(journalFolder() + QStringLiteral("/events.jsonl"));
     std::vector<QJsonObject> result;
-    if (!file.open(QIODevice::ReadOnly))
-        return result;
-    const QByteArray content = file.readAll();
+    const QByteArray content = readFile(journalFolder() + QStringLiteral("/events.jsonl"));
     // The last line may be on its way to the disk while it is read.
     for (const QByteArray& line : content.first(content.lastIndexOf('\n') + 1).split('\n')) {
         if (line.isEmpty())
             continue;
-        const QJsonObject event = QJsonDocument::fromJson(line).object();
-        EXPECT_FALSE(event.isEmpty()) << line.constData();
-        result.push_back(event);
+        result.push_back(QJsonDocument::fromJson(line).object());
+        EXPECT_FALSE(result.back().isEmpty()) << line.constData();
     }
     return result;
 }
 
 QStringList VistrelOnDesktop::actions() const {
     QStringList names;
-    for (const QJsonObject& event : events()) {
-        const QString action = event[QLatin1StringView("action")].toString();
-        if (action != QLatin1StringView("capturePhase"))
-            names << action;
-    }
+    for (const QJsonObject& event : events())
+        names << event[u"action"].toString();
+    names.removeAll(QStringLiteral("capturePhase"));
     return names;
 }
 
-bool VistrelOnDesktop::waitFor(const QString& action, int times) {
-    const bool seen = waitUntil([&] { return actions().count(action) >= times; });
+QJsonObject VistrelOnDesktop::details(const char* action) const {
+    QJsonObject result;
+    for (const QJsonObject& event : events())
+        if (event[u"action"] == QLatin1String(action))
+            result = event[u"details"].toObject();
+    return result;
+}
+
+bool VistrelOnDesktop::waitFor(const char* action, int times) {
+    const bool seen = waitUntil([&] { return count(action) >= times; });
     if (!seen)
-        ADD_FAILURE() << "waited for " << action.toStdString() << ", the journal has "
-                      << actions().join(u' ').toStdString()
+        ADD_FAILURE() << "waited for " << action << ", the journal has " << story() << '\n'
                       << (program ? program->standardError().constData() : "");
     return seen;
+}
+
+QJsonObject VistrelOnDesktop::defaults() const {
+    return QJsonDocument::fromJson(readFile(defaultsPath())).object();
+}
+
+void VistrelOnDesktop::setDefaults(const QJsonObject& all) {
+    writeFile(defaultsPath(), QJsonDocument(all).toJson());
+}
+
+QString VistrelOnDesktop::storedShortcut() const {
+    const QString data = defaults()[u"screenshotShortcuts"][u"data"].toString();
+    QStringList labels;
+    for (const QJsonValue& shortcut :
+         QJsonDocument::fromJson(QByteArray::fromBase64(data.toLatin1())).array())
+        labels << QStringLiteral("%1+%2")
+                      .arg(shortcut[u"modifiers"].toInt())
+                      .arg(shortcut[u"keyLabel"].toString());
+    return labels.join(u' ');
+}
+
+QImage VistrelOnDesktop::clipboardImage() {
+    return pictureIn(session.clipboard(QStringLiteral("image/png")).value_or(QByteArray()));
+}
+
+QImage VistrelOnDesktop::settled(QRect part, int looks) {
+    QImage last;
+    int alike = 0;
+    EXPECT_TRUE(waitUntil([&] {
+        const QImage now = session.screenPixels(part);
+        alike = now == last ? alike + 1 : 0;
+        last = now;
+        return alike >= looks;
+    }));
+    return last;
 }
 
 xcb_window_t VistrelOnDesktop::nextFocus(xcb_window_t before) {
@@ -125,44 +183,38 @@ std::vector<MappedWindow> VistrelOnDesktop::windows() {
     return all;
 }
 
+bool VistrelOnDesktop::opens(const QString& title) {
+    return waitUntil([&] {
+        const auto window = session.client().windowTitled(title);
+        return window && session.client().focusedWindow() == window->id;
+    });
+}
+
+bool VistrelOnDesktop::closes(const QString& title) {
+    return waitUntil([&] { return !isOpen(title); });
+}
+
 bool VistrelOnDesktop::openSettings(int tab) {
-    if (runAgain({}) != 0 || nextFocus() == XCB_NONE)
+    if (runAgain() != 0 || !opens(settingsWindow))
         return false;
     for (int step = 0; step < tab; ++step)
-        session.input().key(Key::rightArrow);
+        key(Key::rightArrow);
     return true;
 }
 
-QImage VistrelOnDesktop::clipboardImage() {
-    return QImage::fromData(session.clipboard(QStringLiteral("image/png")).value_or(QByteArray()), "PNG");
+bool VistrelOnDesktop::isFree(ServerChord chord) {
+    const bool free = session.client().grabKey(chord.state, chord.scanCode) == 0;
+    session.client().ungrabKey(chord.state, chord.scanCode);
+    return free;
 }
 
-QImage noise(QSize size) {
-    std::mt19937 random(7);
-    QImage picture(size, QImage::Format_RGB32);
-    for (int y = 0; y < size.height(); ++y) {
-        auto* line = reinterpret_cast<QRgb*>(picture.scanLine(y));
-        for (int x = 0; x < size.width(); ++x)
-            line[x] = 0xFF000000 | static_cast<QRgb>(random());
-    }
+QImage pictureIn(const QByteArray& encoded) {
+    QImage picture = QImage::fromData(encoded).convertToFormat(QImage::Format_RGB32);
+    picture.setColorSpace({});
     return picture;
 }
 
 QRgb dimmed(QRgb pixel) {
     const auto channel = [](int value) { return qRound(value * 0.6 + 0.3 * 255 * 0.4); };
     return qRgb(channel(qRed(pixel)), channel(qGreen(pixel)), channel(qBlue(pixel)));
-}
-
-int largestDifference(const QImage& a, const QImage& b) {
-    if (a.size() != b.size() || a.isNull())
-        return 255;
-    int largest = 0;
-    for (int y = 0; y < a.height(); ++y)
-        for (int x = 0; x < a.width(); ++x) {
-            const QRgb p = a.pixel(x, y);
-            const QRgb q = b.pixel(x, y);
-            largest = std::max({largest, std::abs(qRed(p) - qRed(q)), std::abs(qGreen(p) - qGreen(q)),
-                                std::abs(qBlue(p) - qBlue(q))});
-        }
-    return largest;
 }

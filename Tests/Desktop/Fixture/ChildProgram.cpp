@@ -59,8 +59,6 @@ ChildProgram::ChildProgram(const Start& start)
         dup2(input, STDIN_FILENO);
         dup2(output, STDOUT_FILENO);
         dup2(error, STDERR_FILENO);
-        if (start.inheritedDescriptor >= 0)
-            fcntl(start.inheritedDescriptor, F_SETFD, 0);
         execvpe(argumentPointers.front(), argumentPointers.data(), environmentPointers.data());
         _exit(127);
     }

@@ -22,8 +22,6 @@ public:
         Environment environment;
         /// Folder and file-name stem of the two output files.
         QString outputStem;
-        /// Handed to the child under the same number.
-        int inheritedDescriptor = -1;
     };
 
     /// Stops the test program when the child cannot be forked; a program that is not there exits with 127.

@@ -5,10 +5,6 @@
 #include <QDir>
 #include <QFileInfo>
 
-#include <fcntl.h>
-#include <poll.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <csignal>
 #include <utility>
@@ -16,46 +12,6 @@
 extern char** environ;
 
 namespace {
-
-/// One line that a child writes into a pipe as soon as it is ready.
-class ReadyPipe {
-public:
-    ReadyPipe() {
-        if (pipe2(descriptors, O_CLOEXEC) != 0)
-            qFatal("no pipe");
-    }
-    ~ReadyPipe() {
-        close(descriptors[0]);
-        closeWriting();
-    }
-    ReadyPipe(const ReadyPipe&) = delete;
-    ReadyPipe& operator=(const ReadyPipe&) = delete;
-
-    int writing() const { return descriptors[1]; }
-
-    QByteArray readLine() {
-        closeWriting();
-        QByteArray line;
-        while (!line.endsWith('\n')) {
-            pollfd waiting{descriptors[0], POLLIN, 0};
-            const auto limit =
-                static_cast<int>(std::chrono::duration_cast<std::chrono::milliseconds>(patience).count());
-            char character = 0;
-            if (poll(&waiting, 1, limit) <= 0 || read(descriptors[0], &character, 1) != 1)
-                return {};
-            line.append(character);
-        }
-        return line.trimmed();
-    }
-
-private:
-    void closeWriting() {
-        if (descriptors[1] >= 0)
-            close(std::exchange(descriptors[1], -1));
-    }
-
-    int descriptors[2] = {-1, -1};
-};
 
 /// What the test was started with, less everything that ties a program to the user's own session.
 ChildProgram::Environment inheritedEnvironment() {
@@ -77,27 +33,21 @@ ChildProgram::Environment inheritedEnvironment() {
 DesktopSession::DesktopSession(const Options& options) : variables(inheritedEnvironment()) {
     if (!directory.isValid())
         qFatal("no temporary folder");
-    const std::pair<const char*, const char*> folders[] = {
-        {"HOME", "home"},
-        {"XDG_DATA_HOME", "data"},
-        {"XDG_CONFIG_HOME", "config"},
-        {"XDG_CACHE_HOME", "cache"},
-        {"XDG_STATE_HOME", "state"},
-        {"XDG_RUNTIME_DIR", "runtime"},
-    };
-    for (const auto& [variable, name] : folders) {
+    for (const auto& [variable, name] : {std::pair("HOME", "home"),
+                                         {"XDG_DATA_HOME", "data"},
+                                         {"XDG_CONFIG_HOME", "config"},
+                                         {"XDG_CACHE_HOME", "cache"},
+                                         {"XDG_STATE_HOME", "state"},
+                                         {"XDG_RUNTIME_DIR", "runtime"}}) {
         const QString path = folder(QLatin1String(name));
         QDir().mkpath(path);
         QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         variables[variable] = path.toStdString();
     }
-    const std::pair<const char*, const char*> settings[] = {
-        {"QT_QPA_PLATFORM", "xcb"},
-        {"XDG_SESSION_TYPE", "x11"},
-        {"LC_ALL", "C.UTF-8"},
-        {"NO_AT_BRIDGE", "1"},
-    };
-    for (const auto& [variable, value] : settings)
+    for (const auto& [variable, value] : {std::pair("QT_QPA_PLATFORM", "xcb"),
+                                          {"XDG_SESSION_TYPE", "x11"},
+                                          {"LC_ALL", "C.UTF-8"},
+                                          {"NO_AT_BRIDGE", "1"}})
         variables.insert_or_assign(variable, std::string(value));
     if (!options.scaleFactors.isEmpty())
         variables["QT_SCREEN_SCALE_FACTORS"] = options.scaleFactors.toStdString();
@@ -115,24 +65,23 @@ QString DesktopSession::outputStem(const QString& program) {
     return folder(QStringLiteral("%1-%2").arg(++startedPrograms).arg(QFileInfo(program).fileName()));
 }
 
+std::unique_ptr<ChildProgram> DesktopSession::startService(const char* program, const QString& arguments,
+                                                           QByteArray& announced) {
+    auto service = start(QLatin1String(program), arguments.split(u' '));
+    waitUntil([&] { return service->standardOutput().endsWith('\n') || !service->isRunning(); });
+    announced = service->standardOutput().trimmed();
+    if (announced.isEmpty())
+        qFatal("%s did not start: %s", program, service->standardError().constData());
+    return service;
+}
+
 void DesktopSession::startServer(const Options& options) {
-    ReadyPipe ready;
-    const QString size =
-        QStringLiteral("%1x%2x24").arg(options.screenSize.width()).arg(options.screenSize.height());
-    const QString program = QStringLiteral("Xvfb");
-    server = std::make_unique<ChildProgram>(ChildProgram::Start{
-        .program = program,
-        .arguments = {QStringLiteral("-displayfd"), QString::number(ready.writing()),
-                      QStringLiteral("-screen"), QStringLiteral("0"), size, QStringLiteral("-dpi"),
-                      QStringLiteral("96"), QStringLiteral("-nolisten"), QStringLiteral("tcp"),
-                      QStringLiteral("-noreset")},
-        .environment = variables,
-        .outputStem = outputStem(program),
-        .inheritedDescriptor = ready.writing(),
-    });
-    const QByteArray number = ready.readLine();
-    if (number.isEmpty())
-        qFatal("the X server did not start: %s", server->standardError().constData());
+    QByteArray number;
+    server = startService("Xvfb",
+                          QStringLiteral("-displayfd 1 -screen 0 %1x%2x24 -dpi 96 -nolisten tcp -noreset")
+                              .arg(options.screenSize.width())
+                              .arg(options.screenSize.height()),
+                          number);
     display = ":" + number;
     variables["DISPLAY"] = display.toStdString();
     observer = std::make_unique<XClient>(display);
@@ -142,19 +91,9 @@ void DesktopSession::startServer(const Options& options) {
 }
 
 void DesktopSession::startBus() {
-    ReadyPipe ready;
-    const QString program = QStringLiteral("dbus-daemon");
-    bus = std::make_unique<ChildProgram>(ChildProgram::Start{
-        .program = program,
-        .arguments = {QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--nopidfile"),
-                      QStringLiteral("--print-address=%1").arg(ready.writing())},
-        .environment = variables,
-        .outputStem = outputStem(program),
-        .inheritedDescriptor = ready.writing(),
-    });
-    const QByteArray address = ready.readLine();
-    if (address.isEmpty())
-        qFatal("the session bus did not start: %s", bus->standardError().constData());
+    QByteArray address;
+    bus = startService("dbus-daemon", QStringLiteral("--session --nofork --nopidfile --print-address"),
+                       address);
     variables["DBUS_SESSION_BUS_ADDRESS"] = address.toStdString();
 }
 
@@ -183,12 +122,10 @@ void DesktopSession::startWindowManager() {
 }
 
 std::unique_ptr<ChildProgram> DesktopSession::start(const QString& program, const QStringList& arguments) {
-    return std::make_unique<ChildProgram>(ChildProgram::Start{
-        .program = program,
-        .arguments = arguments,
-        .environment = variables,
-        .outputStem = outputStem(program),
-    });
+    return std::make_unique<ChildProgram>(ChildProgram::Start{.program = program,
+                                                              .arguments = arguments,
+                                                              .environment = variables,
+                                                              .outputStem = outputStem(program)});
 }
 
 std::optional<QByteArray> DesktopSession::clipboard(const QString& type) {

@@ -28,6 +28,7 @@ public:
     DesktopSession& operator=(const DesktopSession&) = delete;
 
     const QByteArray& displayName() const { return display; }
+    QString busAddress() const { return QString::fromStdString(variables.at("DBUS_SESSION_BUS_ADDRESS")); }
     /// Where a program started here finds its home, settings and data.
     QString folder(const QString& name = {}) const { return directory.filePath(name); }
     QString dataHome() const { return folder(QStringLiteral("data")); }
@@ -54,6 +55,9 @@ public:
     void killServer();
 
 private:
+    /// Returns when the service has announced itself on its standard output.
+    std::unique_ptr<ChildProgram> startService(const char* program, const QString& arguments,
+                                               QByteArray& announced);
     void startServer(const Options& options);
     void startBus();
     QString outputStem(const QString& program);

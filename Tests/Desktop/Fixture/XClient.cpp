@@ -1,5 +1,7 @@
 #include "Desktop/Fixture/XClient.h"
 
+#include "VistrelPlatform/X11/Xcb.h"
+
 #include <xcb/randr.h>
 #include <xcb/shape.h>
 
@@ -8,18 +10,12 @@
 #include <sys/uio.h>
 
 #include <algorithm>
-#include <cstdlib>
-#include <memory>
 
 namespace {
 
-struct Free {
-    void operator()(void* pointer) const { std::free(pointer); }
-};
-
 template<class T>
-std::unique_ptr<T, Free> own(T* reply) {
-    return std::unique_ptr<T, Free>(reply);
+XcbOwned<T> own(T* reply) {
+    return XcbOwned<T>(reply);
 }
 
 xcb_rectangle_t rectangle(QRect rect) {
@@ -131,20 +127,15 @@ void XClient::setMonitors(const std::vector<MonitorSetup>& monitors) {
     if (!resources || !current)
         qFatal("the X server has no RandR 1.5");
     // A monitor cannot be replaced under its name: what changes goes first, what is not wanted last.
-    const auto entries = [&] {
-        std::vector<xcb_randr_monitor_info_t> infos;
+    const auto deleteFormer = [&](bool wanted) {
         for (auto it = xcb_randr_get_monitors_monitors_iterator(current.get()); it.rem;
              xcb_randr_monitor_info_next(&it))
-            infos.push_back(*it.data);
-        return infos;
-    }();
-    const auto wanted = [&](xcb_atom_t name) {
-        return std::ranges::any_of(monitors,
-                                   [&](const MonitorSetup& m) { return atom(m.name.toLatin1()) == name; });
+            if (wanted == std::ranges::any_of(monitors, [&](const MonitorSetup& monitor) {
+                    return atom(monitor.name.toLatin1()) == it.data->name;
+                }))
+                xcb_randr_delete_monitor(xcb, screen->root, it.data->name);
     };
-    for (const auto& entry : entries)
-        if (wanted(entry.name))
-            xcb_randr_delete_monitor(xcb, screen->root, entry.name);
+    deleteFormer(true);
     bool first = true;
     for (const MonitorSetup& monitor : monitors) {
         SetMonitorRequest request{};
@@ -166,9 +157,7 @@ void XClient::setMonitors(const std::vector<MonitorSetup>& monitors) {
         send(xcb, request);
         first = false;
     }
-    for (const auto& entry : entries)
-        if (!wanted(entry.name))
-            xcb_randr_delete_monitor(xcb, screen->root, entry.name);
+    deleteFormer(false);
     synchronize();
 }
 
@@ -207,11 +196,6 @@ void XClient::map(xcb_window_t window) {
     synchronize();
 }
 
-void XClient::unmap(xcb_window_t window) {
-    xcb_unmap_window(xcb, window);
-    synchronize();
-}
-
 void XClient::destroy(xcb_window_t window) {
     xcb_destroy_window(xcb, window);
     synchronize();
@@ -225,22 +209,25 @@ void XClient::setShape(xcb_window_t window, const std::vector<QRect>& rects) {
     synchronize();
 }
 
+std::optional<MappedWindow> XClient::viewable(xcb_window_t window) {
+    const auto attributesCookie = xcb_get_window_attributes(xcb, window);
+    const auto geometryCookie = xcb_get_geometry(xcb, window);
+    const auto originCookie = xcb_translate_coordinates(xcb, window, screen->root, 0, 0);
+    const auto attributes = own(xcb_get_window_attributes_reply(xcb, attributesCookie, nullptr));
+    const auto geometry = own(xcb_get_geometry_reply(xcb, geometryCookie, nullptr));
+    const auto origin = own(xcb_translate_coordinates_reply(xcb, originCookie, nullptr));
+    if (!attributes || !geometry || !origin || attributes->map_state != XCB_MAP_STATE_VIEWABLE)
+        return std::nullopt;
+    return MappedWindow{window, QRect(origin->dst_x, origin->dst_y, geometry->width, geometry->height),
+                        attributes->override_redirect != 0};
+}
+
 std::vector<MappedWindow> XClient::mappedWindows() {
     std::vector<MappedWindow> windows;
     const auto tree = own(xcb_query_tree_reply(xcb, xcb_query_tree(xcb, screen->root), nullptr));
-    if (!tree)
-        return windows;
-    const xcb_window_t* children = xcb_query_tree_children(tree.get());
-    for (int index = 0; index < xcb_query_tree_children_length(tree.get()); ++index) {
-        const xcb_window_t id = children[index];
-        const auto attributesCookie = xcb_get_window_attributes(xcb, id);
-        const auto geometryCookie = xcb_get_geometry(xcb, id);
-        const auto attributes = own(xcb_get_window_attributes_reply(xcb, attributesCookie, nullptr));
-        const auto geometry = own(xcb_get_geometry_reply(xcb, geometryCookie, nullptr));
-        if (attributes && geometry && attributes->map_state == XCB_MAP_STATE_VIEWABLE)
-            windows.push_back({id, QRect(geometry->x, geometry->y, geometry->width, geometry->height),
-                               attributes->override_redirect != 0});
-    }
+    for (int index = 0; tree && index < xcb_query_tree_children_length(tree.get()); ++index)
+        if (const auto window = viewable(xcb_query_tree_children(tree.get())[index]))
+            windows.push_back(*window);
     return windows;
 }
 
@@ -270,21 +257,13 @@ std::optional<MappedWindow> XClient::windowTitled(const QString& title) {
     for (const MappedWindow& window : mappedWindows())
         candidates.push_back(window.id);
     for (const xcb_window_t id : candidates) {
-        const auto titleCookie =
+        const auto cookie =
             xcb_get_property(xcb, 0, id, atom("_NET_WM_NAME"), XCB_GET_PROPERTY_TYPE_ANY, 0, 1024);
-        const auto name = own(xcb_get_property_reply(xcb, titleCookie, nullptr));
-        if (!name || QString::fromUtf8(static_cast<const char*>(xcb_get_property_value(name.get())),
-                                       xcb_get_property_value_length(name.get())) != title)
-            continue;
-        const auto attributesCookie = xcb_get_window_attributes(xcb, id);
-        const auto geometryCookie = xcb_get_geometry(xcb, id);
-        const auto originCookie = xcb_translate_coordinates(xcb, id, screen->root, 0, 0);
-        const auto attributes = own(xcb_get_window_attributes_reply(xcb, attributesCookie, nullptr));
-        const auto geometry = own(xcb_get_geometry_reply(xcb, geometryCookie, nullptr));
-        const auto origin = own(xcb_translate_coordinates_reply(xcb, originCookie, nullptr));
-        if (attributes && geometry && origin && attributes->map_state == XCB_MAP_STATE_VIEWABLE)
-            return MappedWindow{id, QRect(origin->dst_x, origin->dst_y, geometry->width, geometry->height),
-                                attributes->override_redirect != 0};
+        const auto name = own(xcb_get_property_reply(xcb, cookie, nullptr));
+        if (name && QString::fromUtf8(static_cast<const char*>(xcb_get_property_value(name.get())),
+                                      xcb_get_property_value_length(name.get())) == title)
+            if (const auto window = viewable(id))
+                return window;
     }
     return std::nullopt;
 }

@@ -64,7 +64,6 @@ public:
     /// Not mapped yet.
     xcb_window_t createWindow(const WindowOptions& options);
     void map(xcb_window_t window);
-    void unmap(xcb_window_t window);
     void destroy(xcb_window_t window);
     /// Cuts the window to the rectangles.
     void setShape(xcb_window_t window, const std::vector<QRect>& rects);
@@ -86,6 +85,7 @@ public:
 
 private:
     xcb_pixmap_t upload(const QImage& picture);
+    std::optional<MappedWindow> viewable(xcb_window_t window);
 
     xcb_connection_t* xcb = nullptr;
     xcb_screen_t* screen = nullptr;
