@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <QInputDialog>
 #include <QLineEdit>
+#include <QListView>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QSettings>
@@ -83,6 +84,14 @@ void SaveDialog::offerUsualFolders() {
     }
     places.append(QUrl::fromLocalFile(QDir::rootPath()));
     setSidebarUrls(places);
+    constexpr int widest = 220;
+    constexpr int iconSide = 16;
+    constexpr int margin = 12;
+    if (auto* sidebar = findChild<QListView*>(QStringLiteral("sidebar"))) {
+        sidebar->setIconSize({iconSide, iconSide});
+        sidebar->setMinimumWidth(
+            std::min(widest, sidebar->sizeHintForColumn(0) + 2 * sidebar->frameWidth() + margin));
+    }
 }
 
 void SaveDialog::replaceNewFolderButton() {
