@@ -14,6 +14,8 @@ namespace {
 constexpr int tileSide = 256;
 /// From the outline to the centre of the last pixel that it touches, in pixels.
 constexpr float smoothing = 0.5F;
+/// Rounds down to the 256 levels, each as wide as the others.
+constexpr float fullLevel = 255.999F;
 
 /// A part of the line in pixels of a tile.
 struct Segment {
@@ -89,7 +91,7 @@ private:
             const float ex = along - t * dx;
             const float ey = fromA - t * dy;
             const float covered = std::clamp(reach - std::sqrt(ex * ex + ey * ey), 0.0F, 1.0F);
-            level[x] = std::max(level[x], static_cast<std::uint8_t>(covered * 255 + 0.5F));
+            level[x] = std::max(level[x], static_cast<std::uint8_t>(covered * fullLevel));
         }
     }
 

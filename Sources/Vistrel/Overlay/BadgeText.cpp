@@ -15,7 +15,7 @@ void BadgeText::loadSystemFonts() {
 const BadgeText::Face& BadgeText::face() const {
     if (found)
         return *found;
-    found.emplace().font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
+    found = Face{QFontDatabase::systemFont(QFontDatabase::GeneralFont), 0};
     found->font.setPixelSize(fontSize);
     found->font.setWeight(QFont::Medium);
     const QFontMetricsF metrics(found->font);

@@ -26,7 +26,7 @@ public:
 private:
     struct Face {
         QFont font;
-        double digitWidth = 0;
+        double digitWidth;
 
         double advance(QChar character) const;
     };
