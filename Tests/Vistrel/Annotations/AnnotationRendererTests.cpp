@@ -294,6 +294,20 @@ TEST(AnnotationRenderer, keptPixelsAreNeverOutdated) {
     }
 }
 
+TEST(AnnotationRenderer, anEffectSeesWhatComesNearWithoutTouchingIt) {
+    const Scene scene = plainScene();
+    AnnotationRenderer kept;
+    Layers layers = {layer(AnnotationTool::line, {{20, 20}, {20, 220}}, 8),
+                     layer(AnnotationTool::blur, {{160, 120}, {160, 120}}, 60)};
+    for (int step = 0; step < 14; ++step) {
+        AnnotationRenderer fresh;
+        EXPECT_EQ(scene.painted(kept, layers, scene.image.rect()),
+                  scene.painted(fresh, layers, scene.image.rect()))
+            << step;
+        layers[0] = layers[0].movedBy({8, 0});
+    }
+}
+
 TEST(AnnotationRenderer, largerScreenPixelsShowTheEffectsSmoothOrSharp) {
     // A picture of half the display's density, shown at twice its size.
     Scene scene = noisyScene(1, {200, 150});

@@ -1,11 +1,4 @@
 #include "Capture/CaptureTiming.h"
-#include "Support/ScopedEnvironment.h"
-
-#include <QFile>
-#include <QFileInfo>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -81,23 +74,6 @@ TEST(CaptureTimingTests, aReportIsReadAsItWasWrittenOrNotAtAll) {
     for (const char* value : {"-1", "4294967296", "1.5", "\"7\""})
         EXPECT_EQ(CaptureTiming::decode(QByteArray(whole).replace("4294967295", value)), std::nullopt)
             << value;
-}
-
-TEST(CaptureTimingTests, onlyTheLastReportIsKeptAndAFailureIsHarmless) {
-    QTemporaryDir folder;
-    const ScopedEnvironment data("XDG_DATA_HOME", QFile::encodeName(folder.path()));
-    ASSERT_EQ(CaptureTiming::reportPath(), folder.filePath(u"Vistrel/last-capture-timing.json"_s));
-    CaptureTiming::Report earlier = sample;
-    earlier.boundary = QString(5000, u'y');
-    CaptureTiming::save(earlier);
-    CaptureTiming::save(sample);
-    QFile file(CaptureTiming::reportPath());
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_EQ(file.readAll(), CaptureTiming::encode(sample));
-
-    const ScopedEnvironment blocked("XDG_DATA_HOME", QFile::encodeName(CaptureTiming::reportPath()));
-    CaptureTiming::save(sample);
-    EXPECT_FALSE(QFileInfo::exists(CaptureTiming::reportPath()));
 }
 
 } // namespace

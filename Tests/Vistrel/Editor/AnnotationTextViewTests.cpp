@@ -123,7 +123,7 @@ TEST_F(AnnotationTextViewTests, theBoxFollowsEveryEditAsIfMeasuredAnew) {
 TEST_F(AnnotationTextViewTests, keysCommitCancelAndBreakLines) {
     struct KeyCase {
         const char* name;
-        int key;
+        Qt::Key key;
         Qt::KeyboardModifiers modifiers;
         int commits, cancels;
         const char* text;
@@ -140,7 +140,7 @@ TEST_F(AnnotationTextViewTests, keysCommitCancelAndBreakLines) {
     for (const KeyCase& c : cases) {
         commits = cancels = 0;
         view.setString(u"ab"_s);
-        QTest::keyClick(&view, static_cast<Qt::Key>(c.key), c.modifiers);
+        QTest::keyClick(&view, c.key, c.modifiers);
         EXPECT_EQ(commits, c.commits) << c.name;
         EXPECT_EQ(cancels, c.cancels) << c.name;
         EXPECT_EQ(view.string().toStdString(), c.text) << c.name;

@@ -9,18 +9,6 @@ using namespace Qt::StringLiterals;
 
 using namespace EditorTestSupport;
 
-TEST(EditorHintTests, bubblesStandBesideTheControlInsideTheWindow) {
-    for (const auto& [control, place] : {std::pair(QRectF(100, 100, 40, 40), QPointF(146, 108.8)),
-                                         {{960, 100, 40, 40}, {934, 108.8}},
-                                         {{100, -20, 40, 20}, {146, 0}},
-                                         {{100, 790, 40, 20}, {146, 777.6}},
-                                         {{-80, 100, 40, 40}, {0, 108.8}}}) {
-        const QRectF frame = EditorHint::frame(control, {0, 0, 1000, 800}, 50);
-        EXPECT_LT((frame.topLeft() - place).manhattanLength(), 1e-9) << control.x() << ' ' << control.y();
-        EXPECT_EQ(frame.size(), QSizeF(66, 22.4));
-    }
-}
-
 TEST(EditorHintTests, whatEndsTheHoverEndsTheHint) {
     QWidget window;
     window.resize(400, 300);

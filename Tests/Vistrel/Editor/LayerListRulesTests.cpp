@@ -59,11 +59,3 @@ TEST(LayerListRulesTests, rowsAreNewestFirstAndDifferOnlyInWhatTheyShow) {
     layers.pop_back();
     EXPECT_TRUE(LayerListRules::differ(rows, layers));
 }
-
-TEST(LayerListRulesTests, autoScrollStartsAtTheEdgesAndStaysWithinItsPace) {
-    EXPECT_EQ(LayerListRules::autoScroll(80, 160), 0);
-    EXPECT_LT(LayerListRules::autoScroll(4, 160), 0);
-    EXPECT_GT(LayerListRules::autoScroll(156, 160), 0);
-    EXPECT_LT(LayerListRules::autoScroll(-20, 160), LayerListRules::autoScroll(-5, 160));
-    EXPECT_EQ(LayerListRules::autoScroll(5000, 160), -LayerListRules::autoScroll(-5000, 160));
-}
