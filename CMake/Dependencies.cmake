@@ -16,9 +16,10 @@ pkg_check_modules(XCB REQUIRED IMPORTED_TARGET
 pkg_check_modules(XKB REQUIRED IMPORTED_TARGET xkbcommon xkbcommon-x11)
 pkg_check_modules(DEFLATE REQUIRED IMPORTED_TARGET libdeflate)
 pkg_check_modules(TURBOJPEG REQUIRED IMPORTED_TARGET libturbojpeg)
+pkg_check_modules(GLIB REQUIRED IMPORTED_TARGET glib-2.0)
 pkg_check_modules(GIO REQUIRED IMPORTED_TARGET gio-2.0 gio-unix-2.0)
 # Its -pthread says nothing new to this C library and would make the shared precompiled header unusable.
-set_target_properties(PkgConfig::GIO PROPERTIES INTERFACE_COMPILE_OPTIONS "")
+set_target_properties(PkgConfig::GLIB PkgConfig::GIO PROPERTIES INTERFACE_COMPILE_OPTIONS "")
 pkg_check_modules(CRYPTO REQUIRED IMPORTED_TARGET libcrypto)
 find_package(tl-expected REQUIRED)
 

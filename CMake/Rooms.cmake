@@ -27,3 +27,21 @@ function(vistrel_add_room name folder)
     target_precompile_headers(${name} REUSE_FROM vistrel_pch)
   endif()
 endfunction()
+
+# A module makes a room loadable: a library that exports one function (VistrelPlatform/ModuleEntry.h) and
+# hides the rooms it holds. It lies where an installation has it, seen from the program: ../lib/vistrel.
+#
+#   vistrel_add_module(NAME SOURCE ROOM)
+function(vistrel_add_module name source room)
+  set(module vistrel_module_${name})
+  add_library(${module} MODULE ${source})
+  target_link_libraries(${module} PRIVATE vistrel_options ${room})
+  target_compile_definitions(${module} PRIVATE VISTREL_VERSION="${PROJECT_VERSION}")
+  target_link_options(${module} PRIVATE -Wl,--exclude-libs,ALL)
+  # Clang leaves its sanitizers' symbols to the program.
+  if(NOT VISTREL_SANITIZE OR CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    target_link_options(${module} PRIVATE -Wl,-z,defs)
+  endif()
+  set_target_properties(${module} PROPERTIES PREFIX "" OUTPUT_NAME ${name} DEFINE_SYMBOL ""
+    CXX_VISIBILITY_PRESET hidden LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib/vistrel)
+endfunction()

@@ -8,7 +8,7 @@ if(NOT status EQUAL 0)
 endif()
 
 file(GLOB_RECURSE installed RELATIVE ${prefix} ${prefix}/*)
-set(expected bin/vistrel share/vistrel/Info.json share/vistrel/Files.txt
+set(expected bin/vistrel lib/vistrel/network.so lib/vistrel/desktop.so share/vistrel/Info.json share/vistrel/Files.txt
   share/applications/com.orvane.Vistrel.desktop share/metainfo/com.orvane.Vistrel.metainfo.xml
   share/icons/hicolor/scalable/apps/com.orvane.Vistrel.svg
   share/icons/hicolor/symbolic/apps/com.orvane.Vistrel-symbolic.svg)

@@ -1,5 +1,5 @@
-# What `cmake --install` puts where. The program finds its information file, and the updater its list of
-# files, relative to the executable, so bin and share are fixed.
+# What `cmake --install` puts where. The program finds its information file and its modules, and the updater
+# its list of files, relative to the executable, so bin, lib and share are fixed.
 if(NOT TARGET vistrel)
   return()
 endif()
@@ -44,6 +44,7 @@ configure_file(${CMAKE_CURRENT_LIST_DIR}/../Resources/com.orvane.Vistrel.metainf
   Packaging/com.orvane.Vistrel.metainfo.xml @ONLY)
 
 install(TARGETS vistrel RUNTIME DESTINATION bin)
+install(TARGETS vistrel_module_network vistrel_module_desktop LIBRARY DESTINATION lib/vistrel)
 install(FILES ${CMAKE_BINARY_DIR}/Packaging/Info.json DESTINATION share/vistrel)
 install(FILES ${CMAKE_CURRENT_LIST_DIR}/../Resources/com.orvane.Vistrel.desktop DESTINATION share/applications)
 install(FILES ${CMAKE_BINARY_DIR}/Packaging/com.orvane.Vistrel.metainfo.xml DESTINATION share/metainfo)

@@ -25,6 +25,7 @@
 #include "VistrelPlatform/Freedesktop/ShareDesktopServices.h"
 #include "VistrelPlatform/Freedesktop/StatusNotifierHost.h"
 #include "VistrelPlatform/System/FileUserDefaults.h"
+#include "VistrelPlatform/System/LoadableModule.h"
 #include "VistrelPlatform/System/Paths.h"
 #include "VistrelPlatform/X11/DisplayReachable.h"
 #include "VistrelPlatform/X11/X11HotKeyBackend.h"
@@ -104,6 +105,19 @@ struct Display {
     }
 };
 
+/// What most sessions never need, or not at the start, and therefore is loaded when it is first called for.
+struct Modules {
+    LoadableModule network{QStringLiteral("network")};
+    LoadableModule desktop{QStringLiteral("desktop")};
+
+    NetworkSource networkSource() {
+        return [this] { return network.get<NetworkServices>(); };
+    }
+    DesktopLibrarySource desktopSource() {
+        return [this] { return desktop.get<DesktopLibrary>(); };
+    }
+};
+
 /// Null outside a sandbox.
 std::unique_ptr<PortalScreenAccess> portalInCharge() {
     const QString sandbox = PortalScreenAccess::sandboxName();
@@ -147,6 +161,7 @@ private:
     /// here when the connection to the display breaks.
     static inline ResidentProgram* saved = nullptr;
 
+    Modules modules;
     ApplicationBundle bundle;
     FileUserDefaults defaults;
     EditorPreferences preferences{defaults};
@@ -159,16 +174,17 @@ private:
     std::unique_ptr<PortalScreenAccess> portal = portalInCharge();
     X11KeyboardLayout keyboard;
     X11HotKeyBackend hotKeyBackend;
-    DesktopSystemShortcuts systemShortcuts{desktopNamed(currentDesktopNames()), QDBusConnection::sessionBus(),
+    DesktopSystemShortcuts systemShortcuts{desktopNamed(currentDesktopNames()),
+                                           {QDBusConnection::sessionBus(), modules.desktopSource()},
                                            keyboard};
     HotKeyService hotkeys{hotKeyBackend, systemShortcuts};
     AutostartLoginItem loginItem;
     LaunchAtLoginService launchAtLogin{defaults, loginItem};
-    UpdateService updates{UpdaterConfiguration::ofRunningProgram(), defaults};
+    UpdateService updates{UpdaterConfiguration::ofRunningProgram(modules.networkSource()), defaults};
     DesktopSettingsPages settingsPages;
-    HTTPSReportSender reportSender{HTTPSReportSender::endpoint(bundle)};
+    HTTPSReportSender reportSender{HTTPSReportSender::endpoint(bundle), modules.networkSource()};
     OnDemandScreenshotService screenshots{display.capturer, CaptureMethod::automatic, preferences};
-    ShareDesktopServices shareServices;
+    ShareDesktopServices shareServices{modules.desktopSource()};
     std::unique_ptr<CaptureSessionCoordinator> coordinator;
     AppController controller;
     PanelSources panelSources;
@@ -329,7 +345,8 @@ public:
     int operator()(const CommandLineMode::CheckUpdateFeed&) {
         const QCoreApplication application(toolkit.count, toolkit.values.data());
         FileUserDefaults defaults;
-        return UpdateProbe(UpdaterConfiguration::ofRunningProgram(), defaults).run();
+        Modules modules;
+        return UpdateProbe(UpdaterConfiguration::ofRunningProgram(modules.networkSource()), defaults).run();
     }
 
     int operator()(const CommandLineMode::BenchmarkCapture& mode) {
@@ -388,7 +405,9 @@ public:
         const X11ScreenCapturer capturer;
         const X11KeyboardLayout keyboard;
         const std::unique_ptr<PortalScreenAccess> portal = portalInCharge();
-        const DesktopSystemShortcuts table(desktopNamed(currentDesktopNames()), QDBusConnection::sessionBus(),
+        Modules modules;
+        const DesktopSystemShortcuts table(desktopNamed(currentDesktopNames()),
+                                           {QDBusConnection::sessionBus(), modules.desktopSource()},
                                            keyboard);
         return CommandLineRunners::printDiagnostics(
             {.loginItem = AutostartLoginItem().status(),

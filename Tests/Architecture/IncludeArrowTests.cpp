@@ -21,6 +21,7 @@ const std::pair<const char*, const char*> roomOfFolder[] = {
     {"VistrelCore/", "core"},
     {"VistrelPlatform/System/", "system"},
     {"VistrelPlatform/Freedesktop/", "freedesktop"},
+    {"VistrelPlatform/Gio/", "gio"},
     {"VistrelPlatform/X11/", "x11"},
     {"VistrelPlatform/Network/", "network"},
     {"VistrelPlatform/Update/", "update"},

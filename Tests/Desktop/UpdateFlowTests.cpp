@@ -71,6 +71,12 @@ TEST_F(UpdateFlow, TheFeedIsCheckedFromTheCommandLine) {
     EXPECT_TRUE(check().starts_with("1 |Update check failed: "));
     EXPECT_TRUE(server.requests.empty()) << "a server that nobody vouches for is told nothing";
     trustTheServer();
+    const QString network = tree.prefix + QStringLiteral("/lib/vistrel/network.so");
+    ASSERT_TRUE(QFile::rename(network, network + u'~'));
+    const std::string incomplete = check();
+    EXPECT_TRUE(incomplete.starts_with("1 |")) << incomplete << " is no crash";
+    EXPECT_NE(incomplete.find(network.toStdString()), std::string::npos) << incomplete;
+    ASSERT_TRUE(QFile::rename(network + u'~', network));
     EXPECT_EQ(check(), "0 Available update: 9.9\nUpdate feed check completed\n|");
     publish("1.0", archive);
     EXPECT_EQ(check(), "0 Vistrel is up to date\n|");

@@ -2,7 +2,6 @@
 
 #include <QByteArray>
 #include <QSslCertificate>
-#include <QSslConfiguration>
 #include <QSslKey>
 
 #include <memory>
@@ -27,12 +26,6 @@ public:
     TestAuthority() : key(EVP_EC_gen("P-256")), root(make(*key, nullptr, {.names = nullptr})) {}
 
     QSslCertificate certificate() const { return toQt(*root); }
-    /// What a client needs to trust this authority and no other.
-    QSslConfiguration trust() const {
-        QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
-        configuration.setCaCertificates({certificate()});
-        return configuration;
-    }
     Identity issue(const Subject& subject) const {
         const Key subjectKey(EVP_EC_gen("P-256"));
         const Certificate made = make(*subjectKey, root.get(), subject);

@@ -1,3 +1,4 @@
+#include "Support/LinkedDesktop.h"
 #include "VistrelPlatform/Freedesktop/DesktopSystemShortcuts.h"
 #include "VistrelPlatform/Freedesktop/ShortcutNotation.h"
 #include "VistrelPlatform/ShareTestBus.h"
@@ -132,7 +133,7 @@ TEST_F(SystemShortcutsTests, AddedOnesAreFoundThroughTheDesktopsList) {
     if (!schema)
         GTEST_SKIP() << "gnome-settings-daemon-common is not installed";
     g_settings_schema_unref(schema);
-    const DesktopSystemShortcuts gnome(Desktop::gnome, QDBusConnection(QString()), layout);
+    const DesktopSystemShortcuts gnome(Desktop::gnome, {QDBusConnection(QString()), linkedDesktop}, layout);
     setAccelerator(addition, "/org/gnome/test/custom0/", "binding", "<Super>F13");
     EXPECT_THAT(*gnome.read(), Not(Contains(superF13)));
     setAccelerator(mediaKeys, nullptr, "custom-keybindings", "/org/gnome/test/custom0/");
@@ -153,7 +154,7 @@ TEST_F(SystemShortcutsTests, XfcesOwnShortcutsReplaceItsDefaults) {
             properties.insert(u"/commands/custom/override"_s, true);
         bus.peer().send(call.createReply(properties));
     });
-    const DesktopSystemShortcuts xfce(Desktop::xfce, bus.client(), layout, 30s);
+    const DesktopSystemShortcuts xfce(Desktop::xfce, {bus.client(), linkedDesktop}, layout, 30s);
     const SystemShortcut altF4{118, 0x800, true};
     EXPECT_THAT(*xfce.read(), UnorderedElementsAre(SystemShortcut{120, 0x800, true}, altF4));
     changed = true;
@@ -169,15 +170,19 @@ TEST_F(SystemShortcutsTests, XfcesOwnShortcutsReplaceItsDefaults) {
 
 TEST_F(SystemShortcutsTests, AMissingServiceIsNoTableAndASilentOneAnError) {
     for (const Desktop desktop : {Desktop::kde, Desktop::xfce, Desktop::unknown, Desktop::lxqt}) {
-        const auto missing = DesktopSystemShortcuts(desktop, bus.client(), layout, 50ms).read();
+        const auto missing =
+            DesktopSystemShortcuts(desktop, {bus.client(), linkedDesktop}, layout, 50ms).read();
         EXPECT_TRUE(missing && missing->empty());
-        EXPECT_TRUE(DesktopSystemShortcuts(desktop, QDBusConnection(QString()), layout).read());
+        EXPECT_TRUE(
+            DesktopSystemShortcuts(desktop, {QDBusConnection(QString()), linkedDesktop}, layout).read());
     }
+    EXPECT_FALSE(
+        DesktopSystemShortcuts(Desktop::gnome, {QDBusConnection(QString()), missingDesktop}, layout).read());
     serve(u"org.xfce.Xfconf"_s, [this](const QDBusMessage& call) {
         if (changed)
             bus.peer().send(call.createReply(QVariantMap()));
     });
-    const DesktopSystemShortcuts xfce(Desktop::xfce, bus.client(), layout, 50ms);
+    const DesktopSystemShortcuts xfce(Desktop::xfce, {bus.client(), linkedDesktop}, layout, 50ms);
     const auto silent = xfce.read();
     ASSERT_FALSE(silent);
     EXPECT_FALSE(silent.error().description.isEmpty());

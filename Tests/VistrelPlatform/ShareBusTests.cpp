@@ -1,3 +1,4 @@
+#include "Support/LinkedDesktop.h"
 #include "VistrelPlatform/Freedesktop/ShareBluetooth.h"
 #include "VistrelPlatform/Freedesktop/ShareMail.h"
 #include "VistrelPlatform/ShareTestBus.h"
@@ -77,7 +78,7 @@ TEST_F(ShareBusTests, mailSucceedsExactlyWhenThePortalSaysYes) {
                 QMetaObject::invokeMethod(
                     qApp, [&portal] { portal.leave(); }, Qt::QueuedConnection);
         });
-        ShareMail mail(bus.client(), retention, {.xdgEmail = u"/nonexistent"_s});
+        ShareMail mail(bus.client(), retention, linkedDesktop, {.xdgEmail = u"/nonexistent"_s});
         EXPECT_EQ(share(mail, u"mail"_s), answer == 0) << answer;
         EXPECT_EQ(attached, "picture bytes") << answer;
     }
@@ -106,12 +107,12 @@ TEST_F(ShareBusTests, mailFallsBackToTheCommandWithoutAPortal) {
         writeFile(command,
                   "#!/bin/sh\n[ -r \"$3\" ] && echo \"$*\" > '" + words.toUtf8() + "'\n" + row.script + "\n",
                   true);
-        ShareMail mail(bus.client(), retention, {row.patience, command});
+        ShareMail mail(bus.client(), retention, linkedDesktop, {row.patience, command});
         EXPECT_EQ(share(mail, u"mail"_s), row.shared);
         ASSERT_TRUE(waitUntil([&] { return !readFile(words).isEmpty(); }));
         EXPECT_EQ(readFile(words).trimmed(), "--utf8 --attach " + path.toUtf8());
     }
-    ShareMail mail(bus.client(), retention, {.xdgEmail = u"/nonexistent"_s});
+    ShareMail mail(bus.client(), retention, linkedDesktop, {.xdgEmail = u"/nonexistent"_s});
     EXPECT_EQ(share(mail, u"mail"_s), false) << "neither portal nor command";
 }
 

@@ -1,3 +1,4 @@
+#include "Support/LinkedDesktop.h"
 #include "VistrelPlatform/Freedesktop/ShareApplications.h"
 #include "VistrelPlatform/Freedesktop/ShareDesktopServices.h"
 #include "VistrelPlatform/ShareTestBus.h"
@@ -60,7 +61,8 @@ protected:
         return files;
     }
     bool shares(const char* application) {
-        ShareDesktopServices services([this] { return bus.client(); }, [this] { return bus.client(); });
+        ShareDesktopServices services([this] { return bus.client(); }, [this] { return bus.client(); },
+                                      linkedDesktop);
         std::optional<bool> outcome;
         services.perform({u"application:%1.desktop"_s.arg(QLatin1String(application)), {}, {}}, picture(),
                          [&](bool shared) { outcome = shared; });
@@ -109,7 +111,7 @@ TEST_F(ShareServicesTests, pictureHandedOverByAShortProgramStaysForItsReader) {
 
 TEST_F(ShareServicesTests, whatCanOpenPicturesIsListedAndSharedWithOnceItStarted) {
     ShareRetention retention;
-    ShareApplications applications(bus.client(), retention);
+    ShareApplications applications(bus.client(), retention, linkedDesktop);
     QStringList titles;
     for (const ShareService& service : applications.services())
         titles << service.menuTitle + (service.canPerform ? QString() : u" (cannot)"_s);
@@ -117,6 +119,8 @@ TEST_F(ShareServicesTests, whatCanOpenPicturesIsListedAndSharedWithOnceItStarted
     EXPECT_EQ(titles.takeFirst(), u"The viewer"_s) << "the preferred one";
     titles.sort();
     EXPECT_EQ(titles, (QStringList{u"The blind (cannot)"_s, u"The handsOver"_s, u"The org.example.Bus"_s}));
+
+    EXPECT_TRUE(ShareApplications(bus.client(), retention, missingDesktop).services().empty());
 
     EXPECT_TRUE(shares("viewer"));
     EXPECT_TRUE(shares("handsOver"));

@@ -1,8 +1,8 @@
 #include "Reports/HTTPSReportSender.h"
 
+#include "Reports/ReportReceipt.h"
 #include "Reports/ReportUpload.h"
 #include "Reports/ReportUploadError.h"
-#include "VistrelPlatform/Network/TrustedAuthorities.h"
 #include "VistrelPlatform/System/ApplicationBundle.h"
 
 #include <QPromise>
@@ -19,11 +19,11 @@ QFuture<Result<void>> failed(ReportUploadError error) {
 
 } // namespace
 
-HTTPSReportSender::HTTPSReportSender(const QUrl& serviceURL)
-    : HTTPSReportSender(serviceURL, Configuration{}) {}
+HTTPSReportSender::HTTPSReportSender(const QUrl& serviceURL, NetworkSource source)
+    : HTTPSReportSender(serviceURL, std::move(source), Configuration{}) {}
 
-HTTPSReportSender::HTTPSReportSender(const QUrl& serviceURL, const Configuration& options)
-    : url(serviceURL), configuration(options) {}
+HTTPSReportSender::HTTPSReportSender(const QUrl& serviceURL, NetworkSource source, Configuration options)
+    : url(serviceURL), network(std::move(source)), configuration(std::move(options)) {}
 
 HTTPSReportSender::~HTTPSReportSender() = default;
 
@@ -39,14 +39,15 @@ QFuture<Result<void>> HTTPSReportSender::send(const QByteArray& report, const QU
         return failed(ReportUploadError::tooLarge);
     if (url.scheme() != QLatin1StringView("https"))
         return failed(ReportUploadError::unavailable);
-    auto* upload =
-        new ReportUpload({.url = url,
-                          .report = report,
-                          .reportID = reportID,
-                          .requestTimeoutMS = configuration.requestTimeoutMS,
-                          .resourceTimeoutMS = configuration.resourceTimeoutMS,
-                          // Found here and not earlier: it loads the TLS library.
-                          .tls = configuration.tls ? *configuration.tls : TrustedAuthorities::tls()},
-                         &uploads);
+    const Result<NetworkServices*> services = network();
+    if (!services)
+        return failed(ReportUploadError::unavailable);
+    auto* upload = new ReportUpload((*services)->makeUpload(), reportID, &uploads);
+    upload->start({.address = url,
+                   .document = report,
+                   .largestAnswer = ReportReceipt::largestBody,
+                   .silence = std::chrono::milliseconds(configuration.requestTimeoutMS),
+                   .total = std::chrono::milliseconds(configuration.resourceTimeoutMS),
+                   .testAuthorities = configuration.testAuthorities});
     return upload->future();
 }

@@ -1,12 +1,10 @@
 #pragma once
 
 #include "Reports/ReportSending.h"
+#include "VistrelPlatform/NetworkServices.h"
 
 #include <QObject>
-#include <QSslConfiguration>
 #include <QUrl>
-
-#include <optional>
 
 class ApplicationBundle;
 
@@ -22,12 +20,13 @@ public:
         int requestTimeoutMS = 20000;
         /// The longest that one upload may take.
         int resourceTimeoutMS = 30000;
-        /// `TrustedAuthorities::tls` when absent.
-        std::optional<QSslConfiguration> tls;
+        /// Certificates (PEM) trusted instead of the system's; only for servers that a test runs itself.
+        QByteArray testAuthorities;
     };
 
-    explicit HTTPSReportSender(const QUrl& serviceURL);
-    HTTPSReportSender(const QUrl& serviceURL, const Configuration& options);
+    /// The network is asked for at the first upload.
+    HTTPSReportSender(const QUrl& serviceURL, NetworkSource source);
+    HTTPSReportSender(const QUrl& serviceURL, NetworkSource source, Configuration options);
     /// Uploads under way end as cancelled.
     ~HTTPSReportSender() override;
 
@@ -39,6 +38,7 @@ public:
 
 private:
     QUrl url;
+    NetworkSource network;
     Configuration configuration;
     QObject uploads;
 };

@@ -6,18 +6,18 @@
 
 namespace {
 
-std::unique_ptr<ShortcutTable> tableOf(Desktop desktop, const QDBusConnection& bus,
+std::unique_ptr<ShortcutTable> tableOf(Desktop desktop, const DesktopSystemShortcuts::Sources& sources,
                                        const KeyboardLayout& keyboard,
                                        std::chrono::milliseconds longestWait) {
     switch (desktop) {
     case Desktop::gnome:
     case Desktop::cinnamon:
     case Desktop::mate:
-        return std::make_unique<GSettingsShortcutTable>(desktop, keyboard);
+        return std::make_unique<GSettingsShortcutTable>(desktop, sources.library, keyboard);
     case Desktop::kde:
-        return std::make_unique<KGlobalAccelShortcutTable>(bus, keyboard, longestWait);
+        return std::make_unique<KGlobalAccelShortcutTable>(sources.sessionBus, keyboard, longestWait);
     case Desktop::xfce:
-        return std::make_unique<XfconfShortcutTable>(bus, keyboard, longestWait);
+        return std::make_unique<XfconfShortcutTable>(sources.sessionBus, keyboard, longestWait);
     case Desktop::lxqt:
     case Desktop::unknown:
         break;
@@ -27,10 +27,10 @@ std::unique_ptr<ShortcutTable> tableOf(Desktop desktop, const QDBusConnection& b
 
 } // namespace
 
-DesktopSystemShortcuts::DesktopSystemShortcuts(Desktop desktop, const QDBusConnection& sessionBus,
+DesktopSystemShortcuts::DesktopSystemShortcuts(Desktop desktop, const Sources& sources,
                                                const KeyboardLayout& keyboard,
                                                std::chrono::milliseconds longestWait)
-    : table(tableOf(desktop, sessionBus, keyboard, longestWait)) {}
+    : table(tableOf(desktop, sources, keyboard, longestWait)) {}
 
 DesktopSystemShortcuts::~DesktopSystemShortcuts() = default;
 

@@ -2,19 +2,7 @@
 
 #include "VistrelPlatform/Freedesktop/ShortcutNotation.h"
 
-#include <gio/gio.h>
-
-#include <map>
-
 namespace {
-
-template<class T>
-struct Unref {
-    void operator()(T* object) const { g_object_unref(object); }
-};
-template<class T>
-using Owned = std::unique_ptr<T, Unref<T>>;
-using Value = std::unique_ptr<GVariant, decltype(&g_variant_unref)>;
 
 std::vector<const char*> schemaNames(Desktop desktop) {
     switch (desktop) {
@@ -52,12 +40,11 @@ bool isSettingsPath(const QString& path) {
 }
 
 /// Where the user's own shortcuts lie, from the list that the desktop keeps of them.
-QString additionPath(const char* schema, const char* key, const QString& entry) {
-    if (qstrcmp(schema, "org.gnome.settings-daemon.plugins.media-keys") == 0 &&
-        qstrcmp(key, "custom-keybindings") == 0)
+QString additionPath(const QByteArray& schema, const QByteArray& key, const QString& entry) {
+    if (schema == "org.gnome.settings-daemon.plugins.media-keys" && key == "custom-keybindings")
         return isSettingsPath(entry) ? entry : QString();
-    if (qstrcmp(schema, "org.cinnamon.desktop.keybindings") == 0 && qstrcmp(key, "custom-list") == 0 &&
-        !entry.isEmpty() && !entry.contains(u'/'))
+    if (schema == "org.cinnamon.desktop.keybindings" && key == "custom-list" && !entry.isEmpty() &&
+        !entry.contains(u'/'))
         return QStringLiteral("/org/cinnamon/desktop/keybindings/custom-keybindings/%1/").arg(entry);
     return {};
 }
@@ -65,76 +52,35 @@ QString additionPath(const char* schema, const char* key, const QString& entry) 
 /// MATE keeps no list; its settings program counts up from zero and fills gaps first.
 constexpr int mateAdditions = 64;
 
-QStringList texts(GVariant* value) {
-    QStringList result;
-    if (g_variant_is_of_type(value, G_VARIANT_TYPE_STRING)) {
-        result.append(QString::fromUtf8(g_variant_get_string(value, nullptr)));
-    } else if (g_variant_is_of_type(value, G_VARIANT_TYPE_STRING_ARRAY)) {
-        gsize count = 0;
-        const gchar** strings = g_variant_get_strv(value, &count);
-        for (gsize i = 0; i < count; ++i)
-            result.append(QString::fromUtf8(strings[i]));
-        g_free(strings);
-    }
-    return result;
-}
-
 } // namespace
 
-class GSettingsShortcutTable::Schema {
-public:
-    /// Null when the desktop's schemas are not installed.
-    static std::unique_ptr<Schema> find(const char* name) {
-        GSettingsSchemaSource* source = g_settings_schema_source_get_default();
-        GSettingsSchema* schema = source ? g_settings_schema_source_lookup(source, name, TRUE) : nullptr;
-        return schema ? std::unique_ptr<Schema>(new Schema(schema)) : nullptr;
-    }
-    ~Schema() {
-        g_strfreev(keys);
-        g_settings_schema_unref(schema);
-    }
-    Schema(const Schema&) = delete;
-    Schema& operator=(const Schema&) = delete;
+GSettingsShortcutTable::GSettingsShortcutTable(Desktop running, DesktopLibrarySource source,
+                                               const KeyboardLayout& keyboard)
+    : desktop(running), library(std::move(source)), layout(keyboard) {}
 
-    const char* name() const { return g_settings_schema_get_id(schema); }
-
-    /// Every text of every key. `path` is for schemas whose objects lie anywhere; null for the others.
-    void eachText(const char* path, const std::function<void(const char* key, const QString&)>& visit) {
-        auto [place, isNew] = objects.try_emplace(path ? path : "");
-        if (isNew)
-            place->second.reset(g_settings_new_full(schema, nullptr, path));
-        for (gchar** key = keys; *key; ++key) {
-            const Value value(g_settings_get_value(place->second.get(), *key), &g_variant_unref);
-            for (const QString& text : texts(value.get()))
-                visit(*key, text);
-        }
-    }
-
-private:
-    explicit Schema(GSettingsSchema* found) : schema(found), keys(g_settings_schema_list_keys(found)) {}
-
-    GSettingsSchema* schema;
-    gchar** keys;
-    std::map<QByteArray, Owned<GSettings>> objects;
-};
-
-GSettingsShortcutTable::GSettingsShortcutTable(Desktop desktop, const KeyboardLayout& keyboard)
-    : layout(keyboard) {
+Result<void> GSettingsShortcutTable::findSchemas() {
+    if (found)
+        return {};
+    const Result<DesktopLibrary*> settings = library();
+    if (!settings)
+        return tl::unexpected(settings.error());
     for (const char* name : schemaNames(desktop)) {
-        if (auto schema = Schema::find(name))
+        if (auto schema = (*settings)->settingsSchema(name))
             schemas.push_back(std::move(schema));
     }
     if (const char* name = additionsSchema(desktop))
-        additions = Schema::find(name);
+        additions = (*settings)->settingsSchema(name);
+    found = true;
+    return {};
 }
 
-GSettingsShortcutTable::~GSettingsShortcutTable() = default;
-
 Result<ShortcutTable::Entries> GSettingsShortcutTable::read() {
+    if (const Result<void> known = findSchemas(); !known)
+        return tl::unexpected(known.error());
     Entries entries;
     QStringList paths;
     for (const auto& schema : schemas) {
-        schema->eachText(nullptr, [&](const char* key, const QString& text) {
+        schema->eachText({}, [&](const QByteArray& key, const QString& text) {
             if (const auto shortcut = ShortcutNotation::fromAccelerator(text, layout))
                 entries.push_back(*shortcut);
             else if (const QString path = additionPath(schema->name(), key, text); !path.isEmpty())
@@ -143,14 +89,14 @@ Result<ShortcutTable::Entries> GSettingsShortcutTable::read() {
     }
     if (!additions)
         return entries;
-    if (qstrcmp(additions->name(), additionsSchema(Desktop::mate)) == 0) {
+    if (desktop == Desktop::mate) {
         for (int i = 0; i < mateAdditions; ++i)
             paths.append(QStringLiteral("/org/mate/desktop/keybindings/custom%1/").arg(i));
     }
     for (const QString& path : std::as_const(paths)) {
-        additions->eachText(path.toUtf8().constData(), [&](const char* key, const QString& text) {
+        additions->eachText(path.toUtf8(), [&](const QByteArray& key, const QString& text) {
             const auto shortcut = ShortcutNotation::fromAccelerator(text, layout);
-            if (shortcut && qstrcmp(key, "binding") == 0)
+            if (shortcut && key == "binding")
                 entries.push_back(*shortcut);
         });
     }

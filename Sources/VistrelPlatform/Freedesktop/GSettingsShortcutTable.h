@@ -1,5 +1,6 @@
 #pragma once
 
+#include "VistrelPlatform/DesktopLibrary.h"
 #include "VistrelPlatform/Freedesktop/DesktopName.h"
 #include "VistrelPlatform/Freedesktop/ShortcutTable.h"
 #include "VistrelPlatform/KeyboardLayout.h"
@@ -8,19 +9,21 @@
 #include <vector>
 
 /// The shortcuts of GNOME, Cinnamon and MATE, which live in settings schemas. Reading takes the values as
-/// they are at that moment, from this process's own view of the store: nobody is asked. Main thread.
+/// they are at that moment; the first reading loads the desktop's library. Main thread.
 class GSettingsShortcutTable : public ShortcutTable {
 public:
-    GSettingsShortcutTable(Desktop desktop, const KeyboardLayout& keyboard);
-    ~GSettingsShortcutTable() override;
+    GSettingsShortcutTable(Desktop desktop, DesktopLibrarySource source, const KeyboardLayout& keyboard);
 
     Result<Entries> read() override;
 
 private:
-    class Schema;
+    Result<void> findSchemas();
 
+    Desktop desktop;
+    DesktopLibrarySource library;
     const KeyboardLayout& layout;
-    std::vector<std::unique_ptr<Schema>> schemas;
+    bool found = false;
+    std::vector<std::unique_ptr<SettingsSchema>> schemas;
     /// Shortcuts that the user added, one object of the same schema each.
-    std::unique_ptr<Schema> additions;
+    std::unique_ptr<SettingsSchema> additions;
 };

@@ -1,22 +1,21 @@
 #pragma once
 
+#include "VistrelPlatform/DesktopLibrary.h"
 #include "VistrelPlatform/Freedesktop/ShareRetention.h"
 #include "VistrelPlatform/Freedesktop/ShareSupplier.h"
 
 #include <QDBusConnection>
 #include <QObject>
 
-/// Every installed application that opens PNG pictures, the preferred one first.
+/// Every installed application that opens PNG pictures, the preferred one first; none where the desktop's
+/// library cannot be loaded.
 class ShareApplications : public QObject, public ShareSupplier {
 public:
-    ShareApplications(QDBusConnection sessionBus, ShareRetention& pictures);
+    ShareApplications(QDBusConnection sessionBus, ShareRetention& pictures, DesktopLibrarySource source);
 
     std::vector<ShareService> services() override;
     void perform(const QString& identifier, std::shared_ptr<SharePictureFile> file,
                  ShareServices::Completion completion) override;
-
-    /// Whether some program stands ready to write mail.
-    static bool mailProgramInstalled();
 
 private:
     void activate(const QString& application, std::shared_ptr<SharePictureFile> file,
@@ -24,4 +23,5 @@ private:
 
     QDBusConnection bus;
     ShareRetention& retention;
+    DesktopLibrarySource library;
 };

@@ -16,12 +16,12 @@ constexpr std::chrono::seconds settingsHandOver{3};
 
 } // namespace
 
-ShareDesktopServices::ShareDesktopServices()
+ShareDesktopServices::ShareDesktopServices(DesktopLibrarySource source)
     : ShareDesktopServices([] { return QDBusConnection::sessionBus(); },
-                           [] { return QDBusConnection::systemBus(); }) {}
+                           [] { return QDBusConnection::systemBus(); }, std::move(source)) {}
 
-ShareDesktopServices::ShareDesktopServices(Bus session, Bus system)
-    : sessionBus(std::move(session)), systemBus(std::move(system)) {}
+ShareDesktopServices::ShareDesktopServices(Bus session, Bus system, DesktopLibrarySource source)
+    : sessionBus(std::move(session)), systemBus(std::move(system)), library(std::move(source)) {}
 
 ShareDesktopServices::~ShareDesktopServices() = default;
 
@@ -29,13 +29,13 @@ void ShareDesktopServices::makeSuppliers() {
     if (!suppliers.empty())
         return;
     const QDBusConnection session = sessionBus();
-    suppliers.emplace_back(QStringLiteral("mail:"), std::make_unique<ShareMail>(session, retention));
+    suppliers.emplace_back(QStringLiteral("mail:"), std::make_unique<ShareMail>(session, retention, library));
     suppliers.emplace_back(QStringLiteral("bluetooth:"),
                            std::make_unique<ShareBluetooth>(systemBus(), session));
     suppliers.emplace_back(QStringLiteral("device:"),
                            std::make_unique<ShareLinkedDevices>(session, retention));
     suppliers.emplace_back(QStringLiteral("application:"),
-                           std::make_unique<ShareApplications>(session, retention));
+                           std::make_unique<ShareApplications>(session, retention, library));
 }
 
 void ShareDesktopServices::refresh() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "VistrelPlatform/DesktopLibrary.h"
 #include "VistrelPlatform/Freedesktop/ShareRetention.h"
 #include "VistrelPlatform/Freedesktop/ShareSupplier.h"
 #include "VistrelPlatform/ShareServices.h"
@@ -16,9 +17,9 @@ public:
     using Bus = std::function<QDBusConnection()>;
 
     /// The user's own buses.
-    ShareDesktopServices();
-    /// The buses are connected to when they are first needed.
-    ShareDesktopServices(Bus session, Bus system);
+    explicit ShareDesktopServices(DesktopLibrarySource source);
+    /// The buses are connected to, and the library is loaded, when they are first needed.
+    ShareDesktopServices(Bus session, Bus system, DesktopLibrarySource source);
     ~ShareDesktopServices() override;
 
     void refresh() override;
@@ -32,6 +33,7 @@ private:
 
     Bus sessionBus;
     Bus systemBus;
+    DesktopLibrarySource library;
     ShareRetention retention;
     /// The name is put before each supplier's own identifiers.
     std::vector<std::pair<QString, std::unique_ptr<ShareSupplier>>> suppliers;

@@ -1,6 +1,5 @@
 #include "VistrelPlatform/Freedesktop/ShareMail.h"
 
-#include "VistrelPlatform/Freedesktop/ShareApplications.h"
 #include "VistrelPlatform/Freedesktop/SharePortalRequest.h"
 
 #include <QDBusMetaType>
@@ -29,8 +28,12 @@ QDBusUnixFileDescriptor openForReading(const QString& path) {
 
 } // namespace
 
-ShareMail::ShareMail(QDBusConnection sessionBus, ShareRetention& pictures, Options mailOptions)
-    : bus(std::move(sessionBus)), retention(pictures), options(std::move(mailOptions)) {
+ShareMail::ShareMail(QDBusConnection sessionBus, ShareRetention& pictures, DesktopLibrarySource source,
+                     Options mailOptions)
+    : bus(std::move(sessionBus)),
+      retention(pictures),
+      library(std::move(source)),
+      options(std::move(mailOptions)) {
     qDBusRegisterMetaType<FileDescriptors>();
 }
 
@@ -48,12 +51,18 @@ void ShareMail::refresh() {
     });
 }
 
+bool ShareMail::mailProgramInstalled() const {
+    const Result<DesktopLibrary*> known = library();
+    // Where nobody knows, trying tells.
+    return !known || (*known)->opensAddresses("mailto");
+}
+
 std::vector<ShareService> ShareMail::services() {
     const bool sandboxed = QFileInfo::exists(QStringLiteral("/.flatpak-info"));
     const bool way =
         portalInstalled || sandboxed || !QStandardPaths::findExecutable(options.xdgEmail).isEmpty();
     // In a sandbox only the portal knows the mail programs.
-    const bool canWrite = way && (sandboxed || ShareApplications::mailProgramInstalled());
+    const bool canWrite = way && (sandboxed || mailProgramInstalled());
     QIcon icon = QIcon::fromTheme(QStringLiteral("mail-send"));
     if (icon.isNull())
         icon = QIcon::fromTheme(QStringLiteral("internet-mail"));

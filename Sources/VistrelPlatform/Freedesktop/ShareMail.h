@@ -1,5 +1,6 @@
 #pragma once
 
+#include "VistrelPlatform/DesktopLibrary.h"
 #include "VistrelPlatform/Freedesktop/ShareRetention.h"
 #include "VistrelPlatform/Freedesktop/ShareSupplier.h"
 
@@ -19,9 +20,10 @@ public:
         QString xdgEmail = QStringLiteral("xdg-email");
     };
 
-    ShareMail(QDBusConnection sessionBus, ShareRetention& pictures)
-        : ShareMail(std::move(sessionBus), pictures, Options()) {}
-    ShareMail(QDBusConnection sessionBus, ShareRetention& pictures, Options mailOptions);
+    ShareMail(QDBusConnection sessionBus, ShareRetention& pictures, DesktopLibrarySource source)
+        : ShareMail(std::move(sessionBus), pictures, std::move(source), Options()) {}
+    ShareMail(QDBusConnection sessionBus, ShareRetention& pictures, DesktopLibrarySource source,
+              Options mailOptions);
 
     void refresh() override;
     std::vector<ShareService> services() override;
@@ -29,10 +31,12 @@ public:
                  ShareServices::Completion completion) override;
 
 private:
+    bool mailProgramInstalled() const;
     void runXdgEmail(const std::shared_ptr<SharePictureFile>& file, ShareServices::Completion completion);
 
     QDBusConnection bus;
     ShareRetention& retention;
+    DesktopLibrarySource library;
     Options options;
     bool portalInstalled = false;
 };

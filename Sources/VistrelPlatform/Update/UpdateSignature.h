@@ -1,6 +1,6 @@
 #pragma once
 
-#include "VistrelPlatform/Result.h"
+#include "VistrelPlatform/NetworkServices.h"
 
 #include <QByteArray>
 
@@ -10,7 +10,14 @@ namespace UpdateSignature {
 /// The 32 bytes of a key as it stands in the information file (base64); nothing for anything else.
 std::optional<QByteArray> publicKey(const QString& base64);
 
-/// Succeeds only when the file has exactly `length` bytes and `signature` is `key`'s over all of them.
-Result<void> verify(const QString& path, qint64 length, const QByteArray& signature, const QByteArray& key);
+/// What a signature is held against: how long the file must be, and whose it must be.
+struct Expected {
+    qint64 length = 0;
+    QByteArray signature;
+    QByteArray key;
+};
+
+/// Succeeds only when the file has exactly that length and the signature is the key's over all of it.
+Result<void> verify(const QString& path, const Expected& expected, const NetworkServices& cryptography);
 
 } // namespace UpdateSignature

@@ -17,8 +17,11 @@ constexpr std::chrono::milliseconds interruptionRetry = std::chrono::minutes(1);
 
 /// On a worker: everything between the finished download and the new program.
 Result<QString> verifyAndReplace(const QString& archive, const AppcastItem& item, const QByteArray& key,
+                                 const NetworkServices& cryptography,
                                  const UpdateInstallation& installation) {
-    if (const auto verified = UpdateSignature::verify(archive, item.length, item.signature, key); !verified)
+    if (const auto verified =
+            UpdateSignature::verify(archive, {item.length, item.signature, key}, cryptography);
+        !verified)
         return tl::unexpected(verified.error());
     return installation.replace(archive, item.version);
 }
@@ -141,7 +144,13 @@ void Updater::begin(Kind next) {
     feed.setData({});
     feed.open(QIODevice::WriteOnly);
     setStage(Stage::fetchingFeed);
-    transfer = std::make_unique<HttpsTransfer>();
+    const Result<NetworkServices*> services = configuration.network();
+    if (!services) {
+        fail(UpdateError::make(UpdateError::feedUnavailable, services.error().description));
+        return;
+    }
+    network = *services;
+    transfer = network->makeTransfer();
     transfer->onFinished = [this](const Result<void>& outcome) { feedReceived(outcome); };
     HttpsTransfer::Request what = request(QUrl(configuration.feedAddress));
     what.accept = "application/rss+xml, application/xml;q=0.9, text/xml;q=0.9";
@@ -217,7 +226,7 @@ void Updater::download() {
         return;
     }
     setStage(Stage::downloading);
-    transfer = std::make_unique<HttpsTransfer>();
+    transfer = network->makeTransfer();
     transfer->onProgress = [this](qint64 received, qint64 total) {
         driver->showDownloadProgress(received, total);
     };
@@ -237,7 +246,7 @@ void Updater::download() {
 void Updater::downloaded(const Result<void>& outcome) {
     dropTransfer();
     if (!outcome) {
-        fail(outcome.error());
+        fail(UpdateError::make(UpdateError::downloadFailed, outcome.error().description));
         return;
     }
     if (!archive->flush()) {
@@ -246,8 +255,12 @@ void Updater::downloaded(const Result<void>& outcome) {
     }
     setStage(Stage::installing);
     driver->showInstalling();
-    whenFinished(QtConcurrent::run(verifyAndReplace, archive->fileName(), *offered, publicKey, installation),
-                 this, [this](const Result<QString>& program) { installed(program); });
+    const auto work = [file = archive->fileName(), item = *offered, key = publicKey, cryptography = network,
+                       place = installation] {
+        return verifyAndReplace(file, item, key, *cryptography, place);
+    };
+    whenFinished(QtConcurrent::run(work), this,
+                 [this](const Result<QString>& program) { installed(program); });
 }
 
 void Updater::installed(const Result<QString>& program) {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "VistrelPlatform/Update/HttpsTransfer.h"
 #include "VistrelPlatform/Update/UpdateInstallation.h"
 #include "VistrelPlatform/Update/UpdateSchedule.h"
 #include "VistrelPlatform/Update/UpdateUserDriver.h"
@@ -97,6 +96,8 @@ private:
     UpdateInstallation installation;
     std::optional<AppcastItem> offered;
 
+    /// Null before the first check.
+    NetworkServices* network = nullptr;
     std::unique_ptr<HttpsTransfer> transfer;
     QBuffer feed;
     std::unique_ptr<QTemporaryFile> archive;

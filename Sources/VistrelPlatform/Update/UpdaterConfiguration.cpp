@@ -20,9 +20,10 @@ QString runningAppImage(const QString& executable) {
 
 } // namespace
 
-UpdaterConfiguration UpdaterConfiguration::ofRunningProgram() {
+UpdaterConfiguration UpdaterConfiguration::ofRunningProgram(NetworkSource network) {
     const ApplicationBundle bundle;
     UpdaterConfiguration configuration;
+    configuration.network = std::move(network);
     configuration.installed = bundle.isInstalled();
     configuration.feedAddress = bundle.string(ApplicationBundle::feedURLKey).value_or(QString());
     configuration.publicKey = bundle.string(ApplicationBundle::publicEDKeyKey).value_or(QString());

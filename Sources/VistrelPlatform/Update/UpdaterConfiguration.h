@@ -1,7 +1,7 @@
 #pragma once
 
-#include <QList>
-#include <QSslCertificate>
+#include "VistrelPlatform/NetworkServices.h"
+
 #include <QString>
 
 #include <chrono>
@@ -28,9 +28,11 @@ struct UpdaterConfiguration {
     /// No check comes by itself so soon after the launch, nor again so soon after one was put off.
     std::chrono::milliseconds quietTime = std::chrono::minutes(2);
 
-    /// Trusted instead of the system's; only for servers that a test runs itself.
-    QList<QSslCertificate> testAuthorities;
+    /// Asked for at the first check.
+    NetworkSource network;
+    /// Certificates (PEM) trusted instead of the system's; only for servers that a test runs itself.
+    QByteArray testAuthorities;
 
     /// Of the running program, from its information file and environment.
-    static UpdaterConfiguration ofRunningProgram();
+    static UpdaterConfiguration ofRunningProgram(NetworkSource network);
 };

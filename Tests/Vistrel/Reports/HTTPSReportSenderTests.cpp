@@ -1,6 +1,7 @@
 #include "Reports/HTTPSReportSender.h"
 #include "Reports/ReportReceipt.h"
 #include "Reports/ReportUploadError.h"
+#include "Support/LinkedNetwork.h"
 #include "Support/TLSTestServer.h"
 #include "Support/TestFiles.h"
 #include "VistrelPlatform/System/ApplicationBundle.h"
@@ -49,16 +50,16 @@ protected:
 
     QUrl url() const { return server.url(u"/v1/reports"_s); }
     std::optional<ReportUploadError> send(const QUrl& to, const QByteArray& bytes = report) const {
-        HTTPSReportSender sender(to, configuration);
+        HTTPSReportSender sender(to, linkedNetwork, configuration);
         return outcome(sender.send(bytes, reportID));
     }
 
-    HTTPSReportSender::Configuration configuration{.tls = authority.trust()};
+    HTTPSReportSender::Configuration configuration{.testAuthorities = authority.certificate().toPem()};
 };
 
 TEST_F(HTTPSReportSenderTests, postsTheBytesAndTellsNothingElse) {
     server.answer = respond(200, receipt(), "Set-Cookie: id=1\r\n");
-    HTTPSReportSender twice(url(), configuration);
+    HTTPSReportSender twice(url(), linkedNetwork, configuration);
     EXPECT_EQ(outcome(twice.send(report, reportID)), std::nullopt);
     EXPECT_EQ(outcome(twice.send(report, reportID)), std::nullopt);
     ASSERT_EQ(server.requests.size(), 2U);
@@ -140,7 +141,7 @@ TEST_F(HTTPSReportSenderTests, silenceEndsTheUploadAndSoDoesTrickling) {
     }
 
     // Never silent for long, never done.
-    configuration = {.tls = authority.trust()};
+    configuration = {.testAuthorities = authority.certificate().toPem()};
     configuration.resourceTimeoutMS = 500;
     server.answer = [](QTcpSocket& socket, const auto&) {
         socket.write("HTTP/1.1 200 OK\r\nContent-Length: 4000\r\n\r\n");
@@ -193,8 +194,13 @@ TEST_F(HTTPSReportSenderTests, theLargestReportIsSentAndOneByteMoreIsNot) {
     EXPECT_EQ(server.requests.front().body, largest);
 }
 
+TEST_F(HTTPSReportSenderTests, withoutANetworkNothingIsConfirmed) {
+    HTTPSReportSender one(url(), missingNetwork, configuration);
+    EXPECT_EQ(outcome(one.send(report, reportID)), ReportUploadError::unavailable);
+}
+
 TEST_F(HTTPSReportSenderTests, aSenderThatGoesEndsItsUploads) {
-    auto one = std::make_unique<HTTPSReportSender>(url(), configuration);
+    auto one = std::make_unique<HTTPSReportSender>(url(), linkedNetwork, configuration);
     const QFuture<Result<void>> future = one->send(report, reportID);
     one.reset();
     ASSERT_TRUE(future.isFinished());

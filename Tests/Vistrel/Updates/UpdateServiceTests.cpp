@@ -1,3 +1,4 @@
+#include "Support/LinkedNetwork.h"
 #include "Updates/UpdateProbe.h"
 #include "Updates/UpdateService.h"
 #include "VistrelPlatform/System/FileUserDefaults.h"
@@ -22,6 +23,7 @@ protected:
         configuration.publicKey = signer.publicKey();
         configuration.version = u"1.0"_s;
         configuration.downloadFolder = folder.filePath(u"Update"_s);
+        configuration.network = linkedNetwork;
         configuration.testAuthorities = server.authorities();
     }
 

@@ -1,4 +1,4 @@
-#include "VistrelPlatform/Update/HttpsTransfer.h"
+#include "VistrelPlatform/Network/QtHttpsTransfer.h"
 #include "VistrelPlatform/Update/TestServer.h"
 #include "VistrelPlatform/Update/UpdateTestSupport.h"
 
@@ -28,7 +28,7 @@ protected:
         QBuffer body;
         body.open(QIODevice::WriteOnly);
         std::optional<Result<void>> outcome;
-        HttpsTransfer transfer;
+        QtHttpsTransfer transfer;
         transfer.onFinished = [&](const Result<void>& result) { outcome = result; };
         transfer.start(what, body);
         EXPECT_FALSE(outcome);

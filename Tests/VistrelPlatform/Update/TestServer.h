@@ -19,7 +19,7 @@ public:
     }
 
     QUrl address(const QString& path = QStringLiteral("/feed")) const { return server.url(path); }
-    QList<QSslCertificate> authorities() const { return {authority.certificate()}; }
+    QByteArray authorities() const { return authority.certificate().toPem(); }
     const std::vector<TLSTestServer::Request>& requests() const { return server.requests; }
 
     void serve(const QString& path, Answer answer) { answers[path] = std::move(answer); }

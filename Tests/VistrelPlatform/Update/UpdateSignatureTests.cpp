@@ -1,3 +1,4 @@
+#include "VistrelPlatform/Network/QtNetworkServices.h"
 #include "VistrelPlatform/Update/UpdateSignature.h"
 #include "VistrelPlatform/Update/UpdateTestSupport.h"
 
@@ -12,7 +13,7 @@ bool verifies(const QByteArray& content, qint64 length, const QByteArray& signat
     const QString path = folder.filePath(QStringLiteral("archive"));
     writeFile(path, content);
     const auto raw = UpdateSignature::publicKey(key);
-    return raw && UpdateSignature::verify(path, length, signature, *raw);
+    return raw && UpdateSignature::verify(path, {length, signature, *raw}, QtNetworkServices());
 }
 
 } // namespace

@@ -1,6 +1,8 @@
+#include "Support/LinkedNetwork.h"
 #include "VistrelPlatform/System/FileUserDefaults.h"
 #include "VistrelPlatform/Update/TestServer.h"
 #include "VistrelPlatform/Update/UpdateDownloadFile.h"
+#include "VistrelPlatform/Update/UpdateError.h"
 #include "VistrelPlatform/Update/UpdateTestSupport.h"
 #include "VistrelPlatform/Update/Updater.h"
 
@@ -73,6 +75,7 @@ protected:
         configuration.version = u"1.0"_s;
         configuration.executable = prefix + u"/bin/vistrel"_s;
         configuration.downloadFolder = folder.filePath(u"cache/Update"_s);
+        configuration.network = linkedNetwork;
         configuration.testAuthorities = server.authorities();
         configuration.checkJitter = {};
     }
@@ -270,6 +273,12 @@ TEST_F(UpdaterTests, theNextCheckIsDueADayAfterTheLast) {
             UpdateSchedule(store).delay(QDateTime::fromSecsSinceEpoch(qint64(now)), std::chrono::hours(24));
         EXPECT_DOUBLE_EQ(static_cast<double>(delay.count()) / 3.6e6, row.expectedHours) << row.name;
     }
+}
+
+TEST_F(UpdaterTests, withoutANetworkTheUserIsToldWhy) {
+    configuration.network = missingNetwork;
+    EXPECT_EQ(run(&Updater::checkForUpdates), UpdateError::feedUnavailable);
+    EXPECT_EQ(user.story(), "error missing");
 }
 
 TEST_F(UpdaterTests, downloadsAreForTheUserAlone) {

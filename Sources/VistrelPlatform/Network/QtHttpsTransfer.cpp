@@ -1,13 +1,15 @@
-#include "VistrelPlatform/Update/HttpsTransfer.h"
+#include "VistrelPlatform/Network/QtHttpsTransfer.h"
 
 #include "VistrelPlatform/Network/TrustedAuthorities.h"
-#include "VistrelPlatform/Update/UpdateError.h"
 
 #include <QNetworkCookieJar>
 #include <QNetworkReply>
 #include <QSslError>
 
 namespace {
+
+/// Connections and servers; the description says it all.
+const QString domain = QStringLiteral("network");
 
 constexpr int maximumRedirections = 5;
 /// What belongs to an answer that is no file, such as an error page, is read no further.
@@ -49,17 +51,21 @@ QNetworkRequest networkRequest(const HttpsTransfer::Request& what, const QUrl& a
 
 } // namespace
 
-HttpsTransfer::HttpsTransfer(QObject* parent) : QObject(parent) {
+QtHttpsTransfer::QtHttpsTransfer() {
     deadline.setSingleShot(true);
     connect(&deadline, &QTimer::timeout, this,
             [this] { fail(QStringLiteral("The server takes too long to answer.")); });
 }
 
-HttpsTransfer::~HttpsTransfer() {
-    cancel();
+QtHttpsTransfer::~QtHttpsTransfer() {
+    stop();
 }
 
-void HttpsTransfer::cancel() {
+void QtHttpsTransfer::cancel() {
+    stop();
+}
+
+void QtHttpsTransfer::stop() {
     onProgress = nullptr;
     onFinished = nullptr;
     sink.clear();
@@ -70,7 +76,7 @@ void HttpsTransfer::cancel() {
     }
 }
 
-void HttpsTransfer::start(const Request& what, QIODevice& target) {
+void QtHttpsTransfer::start(const Request& what, QIODevice& target) {
     request = what;
     sink = &target;
     if (!isSecure(what.address)) {
@@ -84,18 +90,18 @@ void HttpsTransfer::start(const Request& what, QIODevice& target) {
     deadline.start(what.total);
 }
 
-void HttpsTransfer::get(const QUrl& address) {
+void QtHttpsTransfer::get(const QUrl& address) {
     reply = manager.get(networkRequest(request, address));
     reply->setReadBufferSize(256LL * 1024);
-    connect(reply, &QNetworkReply::readyRead, this, &HttpsTransfer::receive);
+    connect(reply, &QNetworkReply::readyRead, this, &QtHttpsTransfer::receive);
     connect(reply, &QNetworkReply::sslErrors, this, [this](const QList<QSslError>& errors) {
         if (failure.isEmpty() && !errors.isEmpty())
             failure = QStringLiteral("The server cannot be trusted: %1").arg(errors.first().errorString());
     });
-    connect(reply, &QNetworkReply::finished, this, &HttpsTransfer::finished);
+    connect(reply, &QNetworkReply::finished, this, &QtHttpsTransfer::finished);
 }
 
-bool HttpsTransfer::follow() {
+bool QtHttpsTransfer::follow() {
     const QVariant location = reply->attribute(QNetworkRequest::RedirectionTargetAttribute);
     if (!failure.isEmpty() || reply->error() != QNetworkReply::NoError || !location.isValid())
         return false;
@@ -114,7 +120,7 @@ bool HttpsTransfer::follow() {
     return true;
 }
 
-void HttpsTransfer::receive() {
+void QtHttpsTransfer::receive() {
     if (!failure.isEmpty() || !reply || !sink)
         return;
     const QByteArray data = reply->readAll();
@@ -140,16 +146,16 @@ void HttpsTransfer::receive() {
     }
 }
 
-void HttpsTransfer::fail(const QString& description) {
+void QtHttpsTransfer::fail(const QString& description) {
     if (failure.isEmpty())
         failure = description;
     if (reply)
         reply->abort(); // which ends in `finished`
 }
 
-Result<void> HttpsTransfer::outcome() const {
+Result<void> QtHttpsTransfer::outcome() const {
     const auto failed = [](const QString& description) {
-        return tl::unexpected(UpdateError::make(UpdateError::downloadFailed, description));
+        return tl::unexpected(Error{domain, 0, description});
     };
     if (!failure.isEmpty())
         return failed(failure);
@@ -168,7 +174,7 @@ Result<void> HttpsTransfer::outcome() const {
     return {};
 }
 
-void HttpsTransfer::finished() {
+void QtHttpsTransfer::finished() {
     if (reply && follow())
         return;
     deadline.stop();

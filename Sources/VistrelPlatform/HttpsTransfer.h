@@ -2,11 +2,8 @@
 
 #include "VistrelPlatform/Result.h"
 
-#include <QNetworkAccessManager>
+#include <QByteArray>
 #include <QObject>
-#include <QPointer>
-#include <QSslCertificate>
-#include <QTimer>
 #include <QUrl>
 
 #include <chrono>
@@ -14,7 +11,6 @@
 #include <optional>
 
 class QIODevice;
-class QNetworkReply;
 
 /// One download over verified TLS, without cookies, caches, compression or stored passwords. Main thread.
 /// Redirections stay on the same host and port. Destroying it stops it silently.
@@ -31,40 +27,18 @@ public:
         /// Without a byte, and altogether.
         std::chrono::milliseconds silence = std::chrono::seconds(60);
         std::chrono::milliseconds total = std::chrono::minutes(5);
-        /// Trusted instead of the system's; only for servers that a test runs itself.
-        QList<QSslCertificate> testAuthorities;
+        /// Certificates (PEM) trusted instead of the system's; only for servers that a test runs itself.
+        QByteArray testAuthorities;
     };
 
-    explicit HttpsTransfer(QObject* parent = nullptr);
-    ~HttpsTransfer() override;
-
     /// Writes to `sink`, which is open and outlives the transfer.
-    void start(const Request& what, QIODevice& sink);
+    virtual void start(const Request& what, QIODevice& sink) = 0;
 
     /// Stops at once and reports nothing more. `sink` may go.
-    void cancel();
+    virtual void cancel() = 0;
 
     /// With the total, -1 when it is not known.
     std::function<void(qint64 received, qint64 total)> onProgress;
     /// Called once, never from within `start`; the descriptions are for users.
     std::function<void(Result<void>)> onFinished;
-
-private:
-    void get(const QUrl& address);
-    /// Goes where the answer points to; false when it points nowhere, or where we do not go.
-    bool follow();
-    void receive();
-    void finished();
-    void fail(const QString& description);
-    Result<void> outcome() const;
-
-    QNetworkAccessManager manager;
-    QPointer<QNetworkReply> reply;
-    QPointer<QIODevice> sink;
-    Request request;
-    QTimer deadline;
-    qint64 received = 0;
-    qint64 discarded = 0;
-    int redirections = 0;
-    QString failure;
 };

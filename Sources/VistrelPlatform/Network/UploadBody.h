@@ -3,11 +3,11 @@
 #include <QByteArray>
 #include <QIODevice>
 
-/// A report on its way, which can be read once: left to itself the network library sends a body again, up to
-/// four times, when the connection breaks. Main thread.
-class ReportBody : public QIODevice {
+/// A document on its way, which can be read once: left to itself the network library sends a body again, up
+/// to four times, when the connection breaks. Main thread.
+class UploadBody : public QIODevice {
 public:
-    explicit ReportBody(const QByteArray& report) : rest(report) { open(QIODevice::ReadOnly); }
+    explicit UploadBody(const QByteArray& document) : rest(document) { open(QIODevice::ReadOnly); }
 
     bool isSequential() const override { return true; }
     bool reset() override { return false; }
