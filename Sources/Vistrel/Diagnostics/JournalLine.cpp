@@ -3,7 +3,6 @@
 #include "VistrelPlatform/System/UuidText.h"
 
 #include <QJsonDocument>
-#include <QRegularExpression>
 #include <QTimeZone>
 
 #include <array>
@@ -141,9 +140,12 @@ QString JournalLine::dateText(const QDateTime& date) {
 }
 
 bool JournalLine::isVersionNumber(const QString& text) {
-    // \z where $ would also allow a line feed at the end.
-    static const QRegularExpression pattern(QStringLiteral("^[0-9]+(\\.[0-9]+){1,3}\\z"));
-    return pattern.match(text).hasMatch();
+    const QStringList numbers = text.split(u'.');
+    const auto isNumber = [](const QString& number) {
+        return !number.isEmpty() &&
+               std::ranges::all_of(number, [](QChar digit) { return digit >= u'0' && digit <= u'9'; });
+    };
+    return numbers.size() >= 2 && numbers.size() <= 4 && std::ranges::all_of(numbers, isNumber);
 }
 
 std::optional<QJsonObject> JournalLine::object(const Event& event) {

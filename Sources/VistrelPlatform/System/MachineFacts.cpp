@@ -2,7 +2,6 @@
 
 #include "VistrelPlatform/System/Files.h"
 
-#include <QRegularExpression>
 #include <QStringList>
 #include <QSysInfo>
 
@@ -22,15 +21,22 @@ MachineFacts MachineFacts::current() {
 }
 
 std::optional<QString> MachineFacts::versionTriple(const QString& text) {
-    static const QRegularExpression pattern(
-        QStringLiteral("^([0-9]{1,9})(?:\\.([0-9]{1,9}))?(?:\\.([0-9]{1,9}))?"));
-    const QRegularExpressionMatch match = pattern.match(text);
-    if (!match.hasMatch())
-        return std::nullopt;
-    QStringList numbers;
-    for (int index = 1; index <= 3; ++index)
-        numbers.append(QString::number(match.captured(index).toInt()));
-    return numbers.join(u'.');
+    constexpr qsizetype longestNumber = 9;
+    std::array<int, 3> numbers{};
+    qsizetype position = 0;
+    for (std::size_t index = 0; index < numbers.size(); ++index) {
+        const qsizetype begin = position + (index == 0 ? 0 : 1);
+        if (index > 0 && text.mid(position, 1) != u'.')
+            break;
+        position = begin;
+        while (position < text.size() && position < begin + longestNumber && text[position] >= u'0' &&
+               text[position] <= u'9')
+            ++position;
+        if (position == begin && index == 0)
+            return std::nullopt;
+        numbers[index] = text.mid(begin, position - begin).toInt();
+    }
+    return QStringLiteral("%1.%2.%3").arg(numbers[0]).arg(numbers[1]).arg(numbers[2]);
 }
 
 std::optional<QString> MachineFacts::productNameIn(const QString& file) {
