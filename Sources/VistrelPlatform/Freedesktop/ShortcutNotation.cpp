@@ -169,8 +169,7 @@ std::optional<SystemShortcut> ShortcutNotation::fromAccelerator(const QString& t
 std::optional<SystemShortcut> ShortcutNotation::fromCombinedKey(int combined, const KeyboardLayout& layout) {
     const auto modifierBits = static_cast<uint>(combined) & static_cast<uint>(Qt::KeyboardModifierMask);
     const auto key = static_cast<int>(static_cast<uint>(combined) & ~modifierBits);
-    const ModifierMask modifiers =
-        modifiersFrom(Qt::KeyboardModifiers::fromInt(static_cast<int>(modifierBits)));
+    const ModifierMask modifiers = modifiersFrom(Qt::KeyboardModifiers::fromInt(modifierBits));
     if (key <= 0 || key == Qt::Key_unknown)
         return std::nullopt;
     const auto* named = std::ranges::find(namedKeys, key, &NamedKey::toolkitKey);
