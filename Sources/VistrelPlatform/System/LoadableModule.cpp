@@ -55,7 +55,7 @@ Result<void*> LoadableModule::load() {
         return loaded;
     if (!file.isOpen())
         file = openFile(path);
-    const Result<void*> opened = open();
+    Result<void*> opened = open();
     if (opened)
         loaded = *opened;
     else
