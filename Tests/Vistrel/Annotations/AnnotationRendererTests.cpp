@@ -95,30 +95,21 @@ Layers manyLayers(const Scene& scene, unsigned seed, int count) {
 
 } // namespace
 
-TEST(AnnotationRenderer, pixelateShowsTheExactBlocksOfThePictureAtEveryScale) {
+TEST(AnnotationRenderer, pixelateShowsTheExactBlocksAndCoversEveryPixelThatItTouches) {
     for (const double scale : scales) {
         const Scene scene = noisyScene(scale);
         const QRect area(37, 50, 101, 67);
+        std::vector<Point> corners = scene.corners(area);
+        corners[0] = corners[0] + Point{0.4 / scale, 0.4 / scale};
+        corners[1] = corners[1] - Point{0.4 / scale, 0.4 / scale};
         // A size of 12 as the editor turns it into points, with its rounding.
         const double width = 12 * (scene.bounds().width / scene.image.width());
-        const QImage result = scene.painted({layer(AnnotationTool::pixelate, scene.corners(area), width)});
+        const QImage result = scene.painted({layer(AnnotationTool::pixelate, corners, width)});
         QImage expected = scene.image.copy();
         QPainter(&expected).drawImage(
             area.topLeft(), TestPictures::exactBlocks(scene.image, EffectFilters::Blocks{12}).copy(area));
         EXPECT_EQ(result, expected) << scale;
     }
-}
-
-TEST(AnnotationRenderer, pixelateCoversEveryPixelThatItTouches) {
-    const Scene scene = noisyScene();
-    const Rect box = {20.3, 30.6, 40.1, 50.1}; // pixels 20 to 61 and 159 to 210
-    const QImage result =
-        scene.painted({layer(AnnotationTool::pixelate, {{box.x, box.y}, {box.maxX(), box.maxY()}}, 8)});
-    const QImage blocks = TestPictures::exactBlocks(scene.image, EffectFilters::Blocks{8});
-    const QRect touched(20, 159, 41, 51);
-    EXPECT_EQ(result.copy(touched), blocks.copy(touched));
-    EXPECT_EQ(result.copy(touched.adjusted(-1, 0, -41, 0)),
-              scene.image.copy(touched.adjusted(-1, 0, -41, 0)));
 }
 
 TEST(AnnotationRenderer, blurShowsTheExactBlurUnderTheStroke) {
@@ -167,73 +158,37 @@ TEST(AnnotationRenderer, nothingIsPaintedOutsideTheSelection) {
     }
 }
 
-TEST(AnnotationRenderer, strokesHaveRoundEndsAndAreNotFilled) {
-    using Tool = AnnotationTool;
-    struct StrokeCase {
-        const char* name;
-        EditorAnnotation layer;
-        std::vector<Point> inside, outside;
-    };
-    const StrokeCase cases[] = {
-        {"press", layer(Tool::pen, {{50, 50}, {50, 50}}, 20), {{50, 50}, {57, 50}}, {{62, 50}}},
-        {"flatPress", layer(Tool::rectangle, {{50, 50}, {50, 50}}, 20), {{50, 43}}, {{50, 38}}},
-        {"line", layer(Tool::line, {{50, 50}, {90, 50}}, 20), {{42, 50}, {98, 50}}, {{42, 58}, {90, 62}}},
-        {"corner", layer(Tool::pen, {{50, 50}, {90, 50}, {90, 90}}, 20), {{95, 45}}, {{99, 41}}},
-        {"rectangle", layer(Tool::rectangle, {{90, 20}, {20, 90}}), {{20, 50}, {50, 90}}, {{50, 50}}},
-        {"ellipse", layer(Tool::ellipse, {{20, 20}, {100, 60}}), {{20, 40}}, {{60, 40}, {21, 21}}},
-        {"arrow", layer(Tool::arrow, {{20, 50}, {90, 50}}), {{81, 55}, {81, 45}}, {{60, 54}}},
-    };
-    for (const double scale : scales) {
-        const Scene scene = plainScene(scale);
-        for (const StrokeCase& c : cases) {
-            const QImage result = scene.painted({c.layer});
-            const auto colorAt = [&](Point p) {
-                return QColor(
-                    result.pixel(int(p.x * scale), int((scene.bounds().height - p.y) * scale - 0.5)));
-            };
-            for (const Point p : c.inside)
-                EXPECT_EQ(colorAt(p), QColor(Qt::red)) << c.name << " " << scale << " " << p.x;
-            for (const Point p : c.outside)
-                EXPECT_EQ(colorAt(p), QColor(Qt::white)) << c.name << " " << scale << " " << p.x;
-        }
-    }
-}
-
 // A fast hand leaves many short steps under a wide brush: nothing may be missing or tinted twice. Where
 // edges cross within a pixel, another rasterizer tells the covered area more finely.
 TEST(AnnotationRenderer, longStrokesArePaintedLikeOnePath) {
-    for (const double scale : scales) {
-        for (const double pixels : {14.0, 48.0}) {
-            const Scene scene = plainScene(scale, {700, 500});
-            EditorAnnotation marker = layer(AnnotationTool::marker, {}, pixels / scale, Qt::black);
-            for (int i = 0; i < 900; ++i)
-                marker.points.push_back(
-                    {(350 + 340 * std::cos(i * 0.031)) / scale, (250 + 240 * std::sin(i * 0.07)) / scale});
-            QImage expected = scene.image;
-            QPainter painter(&expected);
-            painter.setRenderHint(QPainter::Antialiasing);
-            painter.scale(scale, scale);
-            ViewFlip{scene.bounds().height}.apply(painter);
-            const QColor color = QColor::fromRgbF(0, 0, 0, 0.35F);
-            painter.strokePath(marker.path(),
-                               QPen(color, pixels / scale, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-            painter.end();
-            const QImage painted = scene.painted({marker});
-            int darkest = 255;
-            int covered = 0;
-            int different = 0;
-            for (int y = 0; y < painted.height(); ++y) {
-                for (int x = 0; x < painted.width(); ++x) {
-                    const int wanted = qGreen(expected.pixel(x, y));
-                    const int level = qGreen(painted.pixel(x, y));
-                    darkest = std::min(darkest, level);
-                    covered += wanted < 255 ? 1 : 0;
-                    different += std::abs(level - wanted) > 8 ? 1 : 0;
-                }
+    for (const auto& [scale, pixels] : {std::pair(1.0, 14.0), {1.25, 48.0}}) {
+        const Scene scene = plainScene(scale, {500, 360});
+        EditorAnnotation marker = layer(AnnotationTool::marker, {}, pixels / scale, Qt::black);
+        for (int i = 0; i < 900; ++i)
+            marker.points.push_back(
+                {(250 + 240 * std::cos(i * 0.031)) / scale, (180 + 170 * std::sin(i * 0.07)) / scale});
+        QImage expected = scene.image;
+        QPainter painter(&expected);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.scale(scale, scale);
+        ViewFlip{scene.bounds().height}.apply(painter);
+        painter.strokePath(marker.path(), QPen(QColor::fromRgbF(0, 0, 0, 0.35F), pixels / scale,
+                                               Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        painter.end();
+        const QImage painted = scene.painted({marker});
+        int darkest = 255;
+        int covered = 0;
+        int different = 0;
+        for (int y = 0; y < painted.height(); ++y)
+            for (int x = 0; x < painted.width(); ++x) {
+                const int wanted = qGreen(expected.pixel(x, y));
+                const int level = qGreen(painted.pixel(x, y));
+                darkest = std::min(darkest, level);
+                covered += wanted < 255 ? 1 : 0;
+                different += std::abs(level - wanted) > 8 ? 1 : 0;
             }
-            EXPECT_EQ(darkest, 166) << scale << ' ' << pixels;
-            EXPECT_LE(different, covered / 200) << scale << ' ' << pixels;
-        }
+        EXPECT_EQ(darkest, 166) << scale;
+        EXPECT_LE(different, covered / 200) << scale;
     }
 }
 
@@ -284,7 +239,7 @@ TEST(AnnotationRenderer, keptPixelsAreNeverOutdated) {
         [&] { scene.selection = scene.view(QRect(int(any(80)), int(any(80)), 160, 110)); },
         [&] { scene.image = noise(scene.image.size(), unsigned(random())); },
     };
-    for (int round = 0; round < 50; ++round) {
+    for (int round = 0; round < 36; ++round) {
         const std::size_t edit = any(edits.size());
         edits[edit]();
         const QRect area(int(any(120)), int(any(90)), 140, 100);
@@ -299,30 +254,8 @@ TEST(AnnotationRenderer, anEffectSeesWhatComesNearWithoutTouchingIt) {
     AnnotationRenderer kept;
     Layers layers = {layer(AnnotationTool::line, {{20, 20}, {20, 220}}, 8),
                      layer(AnnotationTool::blur, {{160, 120}, {160, 120}}, 60)};
-    for (int step = 0; step < 14; ++step) {
-        AnnotationRenderer fresh;
-        EXPECT_EQ(scene.painted(kept, layers, scene.image.rect()),
-                  scene.painted(fresh, layers, scene.image.rect()))
-            << step;
-        layers[0] = layers[0].movedBy({8, 0});
+    for (int step = 0; step < 10; ++step) {
+        EXPECT_EQ(scene.painted(kept, layers, scene.image.rect()), scene.painted(layers)) << step;
+        layers[0] = layers[0].movedBy({12, 0});
     }
-}
-
-TEST(AnnotationRenderer, largerScreenPixelsShowTheEffectsSmoothOrSharp) {
-    // A picture of half the display's density, shown at twice its size.
-    Scene scene = noisyScene(1, {200, 150});
-    const EditorAnnotation blur = layer(AnnotationTool::blur, {{0, 75}, {200, 75}}, 60);
-    const EditorAnnotation blocks = layer(AnnotationTool::pixelate, {{20, 10}, {180, 40}}, 10);
-    const auto shown = [&](const Layers& layers) {
-        QImage screen = scene.image.scaled(400, 300).convertToFormat(QImage::Format_RGB32);
-        QPainter painter(&screen);
-        painter.scale(2, 2);
-        AnnotationRenderer renderer;
-        scene.draw(renderer, layers, painter);
-        return screen;
-    };
-    EXPECT_EQ(shown({blocks}).copy(40, 220, 320, 60),
-              scene.painted({blocks}).scaled(400, 300).copy(40, 220, 320, 60));
-    const QImage exact = TestPictures::exactBlur(scene.image, EffectFilters::blurSigma).scaled(400, 300);
-    EXPECT_LE(TestPictures::largestDifference(shown({blur}), exact, {0, 100, 400, 100}), 3);
 }

@@ -57,12 +57,7 @@ TEST(AnnotationTextLayout, everyLineFeedMakesRoom) {
                 << text << " " << fontSize;
 }
 
-TEST(AnnotationTextLayout, widthIsThatOfTheWidestLineAndOne) {
-    const double one = sizeOf(u"wide word"_s).width;
-    EXPECT_EQ(sizeOf(u"i\nwide word\nii"_s).width, one);
-    EXPECT_EQ(sizeOf(QString()).width, 2);
-    EXPECT_GT(sizeOf(u"wide word  "_s).width, one) << "spaces at the end are typed, too";
-    // What is measured must not wrap when it is laid out again.
+TEST(AnnotationTextLayout, whatIsMeasuredDoesNotWrapWhenItIsLaidOutAgain) {
     for (double fontSize = 3; fontSize < 60; fontSize += 0.37)
         EXPECT_EQ(sizeOf(u"some words to wrap"_s, fontSize).height, std::ceil(lineHeight(fontSize)));
 }
@@ -91,16 +86,6 @@ TEST(AnnotationTextLayout, paintsWithinTheMeasuredBoxAtEveryScale) {
             EXPECT_GT(ink.height(), 0.55 * area.height());
         }
     }
-}
-
-TEST(AnnotationTextLayout, linesThatDoNotFitIntoTheBoxAreLeftOut) {
-    const QString text = u"HHH\nHHH\nHHH"_s;
-    const Size box = sizeOf(text);
-    const int two = inkOf(text, 20, {box.width, 2 * lineHeight(20)}).height();
-    EXPECT_EQ(inkOf(text, 20, {box.width, box.height - 2}).height(), two);
-    EXPECT_GT(inkOf(text, 20, box).height(), two + 10);
-    EXPECT_EQ(inkOf(text, 20, {box.width, 5}), inkOf(u"HHH"_s, 20, box))
-        << "the first line is painted even where it does not fit";
 }
 
 TEST(AnnotationTextLayout, textFromRightToLeftStandsAtTheRight) {
