@@ -10,10 +10,16 @@ namespace {
 
 class CapturePresentationTimingTests : public ::testing::Test {
 protected:
+    using Completions = std::vector<std::optional<QString>>;
+
     std::shared_ptr<CaptureTiming> timing = std::make_shared<CaptureTiming>(CaptureTime::now(), u"hotkey"_s);
-    std::vector<std::optional<QString>> completions;
-    CapturePresentationTiming tracker{
-        timing, [this](const std::optional<QString>& error) { completions.push_back(error); }};
+    Completions completions;
+    /// It goes with its completion, as the coordinator lets it go.
+    std::unique_ptr<CapturePresentationTiming> tracker =
+        std::make_unique<CapturePresentationTiming>(timing, [this](const std::optional<QString>& error) {
+            completions.push_back(error);
+            tracker.reset();
+        });
 
     QStringList names() const {
         QStringList list;
@@ -21,66 +27,43 @@ protected:
             list.append(phase.name);
         return list;
     }
-    void observe(bool active, bool key, bool focused) {
-        tracker.observeFocus({.applicationActive = active, .windowKey = key, .canvasFocused = focused});
+    void observe(bool active, bool key) {
+        tracker->observeFocus({.applicationActive = active, .windowKey = key, .canvasFocused = true});
     }
 };
 
-TEST_F(CapturePresentationTimingTests, drawingAndFocusCompleteOnceInEitherOrder) {
-    tracker.eventLoopResumed();
+TEST_F(CapturePresentationTimingTests, drawingAndFocusCompleteTogetherAndLostFocusWithdrawsReadiness) {
+    observe(true, true);
+    observe(false, true);
+    tracker->eventLoopResumed();
     EXPECT_TRUE(completions.empty());
-    observe(true, false, true);
-    observe(true, true, true);
-    observe(true, true, true);
-    tracker.expire();
-    EXPECT_EQ(completions, std::vector<std::optional<QString>>{std::nullopt});
+    observe(true, true);
+    EXPECT_EQ(completions, Completions{std::nullopt});
+}
+
+TEST_F(CapturePresentationTimingTests, everyPhaseIsRecordedOnce) {
+    tracker->eventLoopResumed();
+    observe(true, false);
+    observe(true, false);
+    observe(true, true);
     EXPECT_EQ(names(), (QStringList{u"overlay_event_loop_resumed"_s, u"application_active_confirmed"_s,
                                     u"canvas_focus_confirmed"_s, u"overlay_key_confirmed"_s,
                                     u"selection_input_ready"_s}));
 }
 
-TEST_F(CapturePresentationTimingTests, lostFocusWithdrawsReadiness) {
-    observe(true, true, true);
-    observe(false, true, true);
-    tracker.eventLoopResumed();
-    EXPECT_TRUE(completions.empty());
-    observe(true, true, true);
-    EXPECT_EQ(completions, std::vector<std::optional<QString>>{std::nullopt});
-}
-
 TEST_F(CapturePresentationTimingTests, twoSecondsWithoutBothAreAnError) {
-    observe(true, true, true);
-    tracker.expire();
-    tracker.eventLoopResumed();
-    EXPECT_EQ(completions,
-              std::vector<std::optional<QString>>{
-                  u"Capture drawing and keyboard focus were not both confirmed within two seconds of overlay "
-                  "presentation."_s});
+    observe(true, true);
+    tracker->expire();
+    EXPECT_EQ(completions, Completions{u"Capture drawing and keyboard focus were not both confirmed within "
+                                       "two seconds of overlay presentation."_s});
 }
 
 TEST_F(CapturePresentationTimingTests, anAbandonedPresentationSaysNothing) {
-    tracker.abandon();
-    observe(true, true, true);
-    tracker.eventLoopResumed();
-    tracker.expire();
-    EXPECT_TRUE(completions.empty());
-    EXPECT_TRUE(names().isEmpty());
-}
-
-TEST(CapturePresentationTimingLifetimeTests, theCompletionMayDestroyTheTracker) {
-    const auto timing = std::make_shared<CaptureTiming>(CaptureTime::now(), u"hotkey"_s);
-    std::unique_ptr<CapturePresentationTiming> tracker;
-    const auto renew = [&] {
-        tracker = std::make_unique<CapturePresentationTiming>(
-            timing, [&](const std::optional<QString>&) { tracker.reset(); });
-    };
-    renew();
+    tracker->abandon();
+    observe(true, true);
     tracker->eventLoopResumed();
-    tracker->observeFocus({.applicationActive = true, .windowKey = true, .canvasFocused = true});
-    EXPECT_FALSE(tracker);
-    renew();
     tracker->expire();
-    EXPECT_FALSE(tracker);
+    EXPECT_TRUE(completions.empty() && names().isEmpty());
 }
 
 } // namespace

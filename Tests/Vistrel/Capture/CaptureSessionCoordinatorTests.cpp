@@ -3,8 +3,6 @@
 #include "Overlay/CaptureOverlayWindow.h"
 #include "Support/EmptyDefaults.h"
 
-#include <QApplication>
-#include <QMessageBox>
 #include <QPromise>
 #include <QTest>
 
@@ -95,7 +93,6 @@ protected:
     FixedScreens screens;
     PlainOverlayWindows overlays;
     PendingScreenshots screenshots;
-    bool permission = true;
     std::vector<CaptureTiming::Report> saved;
     CaptureSessionCoordinator coordinator{
         {.screenshots = screenshots,
@@ -104,24 +101,12 @@ protected:
          .preferences = preferences,
          .diagnostics = nullptr,
          .share = nullptr,
-         .hasPermission = [this] { return permission; },
+         .hasPermission = [] { return true; },
          .resetCursor = {},
          .saveMeasurement = [this](const CaptureTiming::Report& report) { saved.push_back(report); }}};
 };
 
 } // namespace
-
-TEST_F(CoordinatorTests, MissingPermissionIsReportedAndNothingIsCaptured) {
-    permission = false;
-    int asked = 0;
-    coordinator.onNeedsPermission = [&] { ++asked; };
-    begin();
-    EXPECT_FALSE(coordinator.busy());
-    EXPECT_EQ(asked, 1);
-    EXPECT_FALSE(screenshots.promise);
-    ASSERT_EQ(saved.size(), 1U);
-    EXPECT_EQ(saved[0].error, u"Screen capture permission is missing for this launch context."_s);
-}
 
 TEST_F(CoordinatorTests, ErrorsCloseTheCaptureAndReachTheUser) {
     const Error gone{ErrorDomain::windowSystem, 9, u"The display is gone."_s};
@@ -138,14 +123,6 @@ TEST_F(CoordinatorTests, ErrorsCloseTheCaptureAndReachTheUser) {
         EXPECT_EQ(told, expected);
         EXPECT_EQ(saved.back().error, expected.description);
     }
-    coordinator.onError = nullptr;
-    begin();
-    screenshots.answer(tl::unexpected(gone));
-    auto* alert = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-    ASSERT_TRUE(alert);
-    EXPECT_EQ(alert->text(), u"Couldn’t capture the screen"_s);
-    EXPECT_EQ(alert->informativeText(), gone.description);
-    alert->close();
 }
 
 TEST_F(CoordinatorTests, ClosingDuringTheCaptureSaysNothing) {

@@ -25,16 +25,11 @@ TEST(CaptureTimingTests, onlyTheFirstFinishReports) {
     EXPECT_LT(timing.phases().front().durationMS, timing.phases().front().offsetMS);
     const std::optional<CaptureTiming::Report> report = timing.finish(u"why"_s);
     ASSERT_TRUE(report);
-    EXPECT_EQ(report->source, u"menu_bar"_s);
     EXPECT_EQ(report->phases, timing.phases());
     EXPECT_EQ(report->error, u"why"_s);
     EXPECT_GE(report->totalMS, 40);
-    EXPECT_EQ(report->boundary,
-              u"Image availability, AppKit drawing, event-loop resumption and confirmed "
-              "application/key-window/canvas focus; not pixel exposure or physical display scanout."_s);
     timing.recordPhase(u"late"_s);
     EXPECT_EQ(timing.finish(std::nullopt), std::nullopt);
-    EXPECT_EQ(report->phases.size(), 1U);
 }
 
 TEST(CaptureTimingTests, theReportIsIndentedJSONWithSortedKeysAndExactNumbers) {

@@ -4,13 +4,11 @@
 #include "Support/EmptyDefaults.h"
 
 #include <QSemaphore>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <map>
 
 using namespace Qt::StringLiterals;
 
@@ -27,7 +25,7 @@ public:
     };
 
     bool hasPermission() const override { return true; }
-    bool supportsDirect() const override { return direct; }
+    bool supportsDirect() const override { return true; }
     Result<std::shared_ptr<DisplayFilter>> prepare(std::uint32_t id) override {
         ++preparations;
         return std::make_shared<Filter>(*this, id);
@@ -45,7 +43,6 @@ public:
     }
 
     std::atomic<int> preparations = 0;
-    bool direct = true;
     int growth = 0;
     std::uint32_t failing = 0;
     /// When set, no picture is ready before it is released.
@@ -72,7 +69,6 @@ protected:
         return names;
     }
 
-    const Screen unnumbered{u"U"_s, std::nullopt, {500, 0, 10, 10}, 1};
     std::vector<Screen> screens = {{u"L"_s, 7, {0, 0, 200, 100}, 2}, {u"R"_s, 9, {200, 0, 300, 100}, 1}};
     EmptyDefaults defaults;
     EditorPreferences preferences{defaults};
@@ -149,7 +145,7 @@ TEST_F(OnDemandScreenshotServiceTests, FailuresAreValuesAndDropTheCache) {
     capturer.failing = 9;
     EXPECT_EQ(capture(service).error().domain, ErrorDomain::windowSystem);
     EXPECT_EQ(phases().value(1), u"capture_metadata_preparation"_s);
-    screens.push_back(unnumbered);
+    screens.push_back({u"U"_s, std::nullopt, {500, 0, 10, 10}, 1});
     EXPECT_EQ(capture(service).error(), captureError(CaptureError::noDisplay));
 }
 
@@ -166,18 +162,4 @@ TEST_F(OnDemandScreenshotServiceTests, StoppingKeepsTheCacheAndAnswersWithACance
     capturer.held = nullptr;
     ASSERT_TRUE(capture(service));
     EXPECT_EQ(phases().value(1), u"capture_metadata_cached"_s);
-}
-
-TEST_F(OnDemandScreenshotServiceTests, DirectSkipsScreensWithoutANumberAndNeedsASessionThatCanDoIt) {
-    OnDemandScreenshotService service(capturer, CaptureMethod::direct, preferences);
-    screens.push_back(unnumbered);
-    EXPECT_TRUE(wait(service.prepare(screens)));
-    const Outcome taken = capture(service);
-    ASSERT_TRUE(taken);
-    EXPECT_EQ(taken->size(), 2U);
-    EXPECT_EQ(phases().value(0), u"capture_method_direct_rect"_s);
-    EXPECT_EQ(capturer.preparations, 0);
-
-    capturer.direct = false;
-    EXPECT_EQ(capture(service).error(), captureError(CaptureError::directUnavailable));
 }
