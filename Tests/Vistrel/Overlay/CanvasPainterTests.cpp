@@ -124,38 +124,6 @@ TEST_F(CanvasPainterTests, repairingTheDamageEqualsPaintingAll) {
     }
 }
 
-TEST_F(CanvasPainterTests, theBadgeReadsTheExportedSize) {
-    // Twice the density in the first, half of it in the second.
-    for (const auto& [view, text] :
-         {std::pair(Size{200, 100}, u"202 × 102 px"), {{800, 400}, u"51 × 26 px"}}) {
-        presentation = noise({400, 200});
-        document.reset(presentation, 2, view);
-        space = {view, presentation.size()};
-        document.selection = {10.25, 10.25, 100.5, 50.5};
-        EXPECT_EQ(layout().badge->text, QString::fromUtf16(text));
-        const QSize exported = editor.output.outputImage()->size();
-        EXPECT_EQ(u"%1 × %2 px"_s.arg(exported.width()).arg(exported.height()), QString::fromUtf16(text));
-    }
-}
-
-TEST_F(CanvasPainterTests, decorationsLieOnWholePixelsAndInTheView) {
-    decorated = true;
-    for (const ScaleCase& row : scaleCases) {
-        SCOPED_TRACE(row.scale);
-        open(row.scale, row.pixels);
-        document.selection = document.bounds();
-        const DecorationLayout all = layout();
-        EXPECT_TRUE(QRect(QPoint(), row.pixels).contains(all.badge->frame));
-        ASSERT_EQ(all.handles.size(), 8U);
-        for (const QRect& handle : all.handles)
-            EXPECT_EQ((handle.width() - all.lineWidth) % 2, 0) << "centred on the frame's line";
-        const QImage target = painted();
-        for (const int x : {0, row.pixels.width() - 1})
-            EXPECT_EQ(target.pixel(x, row.pixels.height() / 4), qRgb(255, 255, 255))
-                << "the frame shows at the display's edge";
-    }
-}
-
 TEST_F(CanvasPainterTests, layersOfAReducedDisplayAreAsWideAsTheyWereDrawn) {
     document.reset(noise({200, 100}), 2, {200, 100});
     ASSERT_TRUE(document.reducedRetina);

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Overlay/OverlayEditor.h"
-#include "Overlay/OverlayHitTest.h"
 
 #include <gtest/gtest.h>
 
@@ -19,11 +18,10 @@ public:
         const double width = 10.0 * static_cast<double>(setup.text.size());
         return {setup.anchor.x, setup.anchor.y - setup.fontSize, width, setup.fontSize};
     }
-    void focus() override { ++timesFocused; }
+    void focus() override {}
     bool hasFocus() const override { return true; }
 
     TextEditorSetup setup;
-    int timesFocused = 0;
 
 private:
     TypedText*& open;
@@ -40,7 +38,7 @@ protected:
             .onDiagnosticEvent = [this](Action action,
                                         const Diagnostic::Details&) { actions.push_back(action); },
             .onClose = [this] { ++closed; },
-            .onSelection = [this] { ++selections; },
+            .onSelection = [] {},
             .onCopy = [this](const QImage& image) { copied = image; },
             .onSave = [this](const QImage& image) { saved = image; },
             .onChange = [] {},
@@ -107,5 +105,4 @@ protected:
     QImage copied;
     QImage saved;
     int closed = 0;
-    int selections = 0;
 };

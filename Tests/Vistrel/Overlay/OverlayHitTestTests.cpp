@@ -1,5 +1,6 @@
-#include "Overlay/CanvasCursor.h"
-#include "Vistrel/Overlay/OverlayFixture.h"
+#include "Overlay/OverlayHitTest.h"
+
+#include <gtest/gtest.h>
 
 namespace {
 
@@ -38,56 +39,6 @@ TEST(OverlayHitTestTests, layers) {
         layer.width = row.width;
         layer.points = row.points;
         EXPECT_EQ(OverlayHitTest::hits(layer, row.p), row.hit) << row.name;
-    }
-}
-
-using Shape = CanvasCursor::Shape;
-
-constexpr CanvasCursor resizing(int handle) {
-    return {.shape = Shape::resize, .handle = handle};
-}
-
-struct CursorCase {
-    const char* name;
-    Tool tool;
-    std::optional<Point> held;
-    Point at;
-    CanvasCursor expected;
-};
-const CursorCase cursorCases[] = {
-    {"inside", Tool::select, {}, {200, 120}, {.shape = Shape::openHand}},
-    {"outside", Tool::select, {}, {380, 280}, {}},
-    {"edge", Tool::select, {}, {200, 250}, resizing(5)},
-    {"corner", Tool::select, {}, {50, 250}, resizing(6)},
-    {"layerCorner1", Tool::select, {}, {197, 104}, resizing(2)},
-    {"layerCorner3", Tool::select, {}, {103, 197}, resizing(6)},
-    {"brush", Tool::pen, {}, {200, 120}, {.shape = Shape::brush, .diameter = 3}},
-    {"shape", Tool::rectangle, {}, {200, 120}, {}},
-    {"text", Tool::text, {}, {200, 120}, {.shape = Shape::iBeam}},
-    {"noHandlesForATool", Tool::text, {}, {50, 250}, {}},
-    {"moving", Tool::select, {{300, 150}}, {0, 0}, {.shape = Shape::closedHand}},
-    {"resizing", Tool::select, {{50, 250}}, {200, 150}, resizing(6)},
-    {"layerResizing", Tool::select, {{200, 200}}, {150, 150}, resizing(4)},
-    {"selecting", Tool::select, {{10, 10}}, {200, 150}, {}},
-};
-
-class CanvasCursorTests : public OverlayFixture {};
-
-TEST_F(CanvasCursorTests, followsTheToolTheGestureAndThePlace) {
-    EXPECT_EQ(CanvasCursor::at({100, 100}, document, false), CanvasCursor{}) << "nothing selected";
-    for (const CursorCase& row : cursorCases) {
-        document.state = {};
-        select();
-        addSelected(Tool::rectangle, {{100, 100}, {200, 200}});
-        document.tool = row.tool;
-        if (row.held)
-            press(*row.held);
-        EXPECT_EQ(CanvasCursor::at(row.at, document, false), row.expected) << row.name;
-        EXPECT_EQ(CanvasCursor::at(row.at, document, true),
-                  row.held ? row.expected : CanvasCursor{.shape = Shape::arrow})
-            << row.name;
-        if (row.held)
-            release(*row.held);
     }
 }
 

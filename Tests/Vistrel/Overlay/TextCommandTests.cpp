@@ -1,11 +1,7 @@
+#include "Annotations/AnnotationTextLayout.h"
 #include "Vistrel/Overlay/OverlayFixture.h"
 
-#include <gmock/gmock.h>
-
 using namespace Qt::StringLiterals;
-
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 namespace {
 
@@ -20,37 +16,12 @@ protected:
         release(p);
         ASSERT_TRUE(typed);
     }
-    /// Opens a text layer that a line lies upon; the state from before.
-    EditorState edit() {
-        add(AnnotationTool::text, {{100, 100}, {150, 124}}, 24).text = u"hello"_s;
-        add(AnnotationTool::line, {{60, 60}, {70, 70}});
-        const EditorState before = document.state;
-        document.tool = AnnotationTool::select;
-        press({120, 110}, 2);
-        release({120, 110});
-        EXPECT_TRUE(typed);
-        EXPECT_EQ(document.visibleLayers().size(), 1U) << "its editor shows it";
-        return before;
-    }
 };
-
-TEST_F(TextCommandTests, beginsUnderTheWholeSelectionAndNearTheTopAtTheTop) {
-    begin({200, 150});
-    EXPECT_EQ(typed->setup.fontSize, 24);
-    EXPECT_EQ(typed->setup.anchor, (Point{200, 162})) << "the first line is centred on the press";
-    EXPECT_EQ(typed->setup.availableSize, (Size{150, 112}));
-    EXPECT_EQ(typed->timesFocused, 1);
-    begin({200, 245});
-    EXPECT_EQ(typed->setup.anchor, (Point{200, 250}));
-    EXPECT_THAT(layers(), IsEmpty()) << "blank text adds nothing";
-    EXPECT_EQ(undoSteps(), 0U);
-}
 
 TEST_F(TextCommandTests, commitMakesALayerOfTheTextAsTyped) {
     begin({200, 150});
     editor.layers.stepSize(7);
     editor.layers.setDrawingColor(Qt::green);
-    EXPECT_EQ(typed->timesFocused, 2) << "the keyboard goes back to the text";
     typed->setup.text = u" a\nb\n"_s;
     press({10, 10});
     EXPECT_FALSE(typed);
@@ -66,7 +37,14 @@ TEST_F(TextCommandTests, commitMakesALayerOfTheTextAsTyped) {
 }
 
 TEST_F(TextCommandTests, editingReplacesTheLayerInPlace) {
-    const EditorState before = edit();
+    add(AnnotationTool::text, {{100, 100}, {150, 124}}, 24).text = u"hello"_s;
+    add(AnnotationTool::line, {{60, 60}, {70, 70}});
+    const EditorState before = document.state;
+    document.tool = AnnotationTool::select;
+    press({120, 110}, 2);
+    release({120, 110});
+    ASSERT_TRUE(typed);
+    EXPECT_EQ(document.visibleLayers().size(), 1U) << "its editor shows it";
     EXPECT_EQ(typed->setup.anchor, (Point{100, 124}));
     typed->setup.text = u"bye"_s;
     editor.text.commit();
@@ -76,33 +54,14 @@ TEST_F(TextCommandTests, editingReplacesTheLayerInPlace) {
     EXPECT_EQ(undoSteps(), 1U);
 }
 
-TEST_F(TextCommandTests, emptyingATextDeletesItsLayer) {
-    const EditorState before = edit();
-    typed->setup.text = u" \n\t"_s;
-    editor.text.commit();
-    EXPECT_THAT(layers(), ElementsAre(before.annotations[1]));
-    EXPECT_FALSE(document.state.selectedID);
-    editor.layers.undo();
-    EXPECT_EQ(layers(), before.annotations);
-}
-
-TEST_F(TextCommandTests, styleChangesStayInTheEditorUntilCommit) {
-    const EditorState before = edit();
-    editor.layers.setDrawingSize(30);
-    editor.layers.setDrawingColor(Qt::blue);
-    EXPECT_EQ(typed->setup.fontSize, 30);
-    EXPECT_EQ(typed->setup.color, QColor(Qt::blue));
-    EXPECT_EQ(document.drawingSize(), 30);
-    EXPECT_EQ(layers(), before.annotations);
-    EXPECT_FALSE(document.toolSizes.contains(AnnotationTool::text)) << "the tool is not the text tool";
-    EXPECT_TRUE(key(Key::escape));
-    EXPECT_FALSE(typed);
-    EXPECT_EQ(layers(), before.annotations);
-    EXPECT_EQ(undoSteps(), 0U);
-    EXPECT_EQ(closed, 0) << "the first Escape only cancels the text";
-    EXPECT_EQ(actions.back(), Action::textCancelled);
-    EXPECT_TRUE(key(Key::escape));
-    EXPECT_EQ(closed, 1);
+TEST_F(TextCommandTests, aLayerOfAnotherSizeIsMeasuredAgainWithinTheSelection) {
+    addSelected(AnnotationTool::text, {{300, 200}, {340, 220}}, 14).text = u"wide text that must wrap"_s;
+    document.tool = AnnotationTool::select;
+    editor.layers.setDrawingSize(40);
+    const Rect box = layers().front().geometryBounds();
+    EXPECT_EQ(box.minX(), 300);
+    EXPECT_EQ(box.maxY(), 220) << "the top-left corner stays";
+    EXPECT_EQ(box.size(), AnnotationTextLayout::size(layers().front().text, 40, {50, 170}));
 }
 
 TEST_F(TextCommandTests, everyCommandCommitsFirst) {
