@@ -3,7 +3,6 @@
 #include "Annotations/EditorAnnotation.h"
 
 #include <QCoreApplication>
-#include <QEnterEvent>
 #include <QTest>
 #include <QWidget>
 #include <QWindow>
@@ -17,18 +16,6 @@ inline EditorAnnotation layer(AnnotationTool tool, const QString& text = {}) {
     annotation.tool = tool;
     annotation.text = text;
     return annotation;
-}
-
-/// The pointer enters a control, wherever the real one is.
-inline void enter(QWidget& widget) {
-    const QPointF center = QRectF(widget.rect()).center();
-    QEnterEvent event(center, widget.mapTo(widget.window(), center), widget.mapToGlobal(center));
-    QCoreApplication::sendEvent(&widget, &event);
-}
-
-inline void leave(QWidget& widget) {
-    QEvent event(QEvent::Leave);
-    QCoreApplication::sendEvent(&widget, &event);
 }
 
 /// Counts the mouse events that reach a canvas.
