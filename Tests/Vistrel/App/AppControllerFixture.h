@@ -35,30 +35,13 @@ public:
     };
     class Login : public LoginItem {
     public:
-        LoginItemStatus status() const override { return now; }
-        Result<void> enroll() override { return change(LoginItemStatus::enabled); }
-        Result<void> withdraw() override { return change(LoginItemStatus::notRegistered); }
-
-        LoginItemStatus now = LoginItemStatus::notRegistered;
-        std::optional<Error> fault;
-
-    private:
-        Result<void> change(LoginItemStatus wanted) {
-            if (fault)
-                return tl::unexpected(*fault);
-            now = wanted;
-            return {};
-        }
+        LoginItemStatus status() const override { return LoginItemStatus::notRegistered; }
+        Result<void> enroll() override { return {}; }
+        Result<void> withdraw() override { return {}; }
     };
     class Pages : public SettingsPages {
     public:
-        bool open(SettingsPage page) override {
-            asked.push_back(page);
-            return exist;
-        }
-
-        std::vector<SettingsPage> asked;
-        bool exist = true;
+        bool open(SettingsPage) override { return true; }
     };
     static inline const ScreenshotShortcut nine = ScreenshotShortcut::defaultShortcut();
     static inline const ScreenshotShortcut p{35, 768, QStringLiteral("P")};
@@ -83,11 +66,7 @@ public:
                                             log << QStringLiteral("closeSetup");
                                             controller->setupWindowWillClose();
                                         },
-                                    .askToOpenLoginItems =
-                                        [this](const QString& description) {
-                                            log << QStringLiteral("ask: ") + description;
-                                            return opensLoginItems;
-                                        }};
+                                    .askToOpenLoginItems = {}};
         return *controller;
     }
     AppController& launch() {
@@ -109,12 +88,9 @@ public:
         defaults, {folder.filePath(QStringLiteral("Journal")), QStringLiteral("development"), 524288, {}}};
 
     Login loginItem;
-    bool opensLoginItems = false;
     LaunchAtLoginService login{defaults, loginItem};
 
     bool granted = false;
-    bool promptExists = false;
-    std::function<void(bool)> promptAnswer;
     bool busy = false;
     int begun = 0;
     std::function<void()> onNeedsPermission;
@@ -134,12 +110,6 @@ private:
     }
 
     AppController::Services services() {
-        ScreenAccessRequest access{[this] { return granted; }, {}};
-        if (promptExists)
-            access.prompt = [this](std::function<void(bool)> answer) {
-                log << QStringLiteral("prompt");
-                promptAnswer = std::move(answer);
-            };
         return {.preferences = preferences,
                 .defaults = defaults,
                 .hotkeys = hotkeys,
@@ -147,7 +117,7 @@ private:
                 .updates = updates,
                 .diagnostics = journal,
                 .settingsPages = pages,
-                .screenAccess = std::move(access),
+                .screenAccess = {[this] { return granted; }, {}},
                 .makeCaptureSession =
                     [this](std::function<void()> needsPermission) {
                         onNeedsPermission = std::move(needsPermission);

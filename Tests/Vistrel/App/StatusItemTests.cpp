@@ -21,18 +21,6 @@ protected:
         item = std::make_unique<StatusItem>(*controller, std::vector<TrayHost*>{&host});
     }
 
-    QStringList titles() {
-        QStringList list;
-        for (const QAction* action : item->contextMenu().actions())
-            list << action->text();
-        return list;
-    }
-    const QAction* launchAtLogin() { return item->contextMenu().actions().at(3); }
-    void toggleLaunchAtLogin() {
-        item->contextMenu().actions().at(3)->trigger();
-        QApplication::processEvents();
-    }
-
     Host host;
     std::unique_ptr<StatusItem> item;
 };
@@ -53,26 +41,6 @@ TEST_F(StatusItemTest, LeftClicksCaptureUnlessTheyCloseTheMenu) {
     QApplication::processEvents();
     item->activate(QSystemTrayIcon::Trigger);
     EXPECT_EQ(begun, 2);
-}
-
-TEST_F(StatusItemTest, TheMenuFollowsTheController) {
-    ASSERT_TRUE(controller->choose({22, 768, u"&"_s}));
-    EXPECT_EQ(titles().front(), u"Capture Screenshot  ⇧⌘&&"_s) << "no mnemonic";
-
-    // Changed elsewhere: seen when the menu opens.
-    loginItem.now = LoginItemStatus::requiresApproval;
-    item->contextMenu().popup({10, 10});
-    EXPECT_EQ(titles().at(4), u"Approve Launch at Login…"_s);
-    item->contextMenu().hide();
-
-    toggleLaunchAtLogin();
-    EXPECT_EQ(loginItem.now, LoginItemStatus::notRegistered);
-    EXPECT_EQ(titles().size(), 6);
-    EXPECT_FALSE(launchAtLogin()->isChecked())
-        << "what the menu shows is what is, whatever the click did to the mark";
-    loginItem.fault = Error{ErrorDomain::system, 13, u"Permission denied"_s};
-    toggleLaunchAtLogin();
-    EXPECT_FALSE(launchAtLogin()->isChecked());
 }
 
 } // namespace

@@ -3,8 +3,6 @@
 #include "Settings/Windows/AppPanel.h"
 #include "Settings/Windows/PageView.h"
 
-#include <QCheckBox>
-#include <QSlider>
 #include <QTabBar>
 
 using namespace Qt::StringLiterals;
@@ -54,42 +52,6 @@ TEST_F(SettingsWindowTest, EveryPageFitsAndHasNamesForScreenReadersAndTheKeyboar
         }
         expectOneControlPerLetter();
     }
-}
-
-TEST_F(SettingsWindowTest, KeysOfTheProgramWorkInItsWindows) {
-    openSettings(SettingsTab::updates);
-    QApplication::setActiveWindow(settings.get());
-    takeLog();
-    QTest::keyClick(settings.get(), Qt::Key_Comma, Qt::ControlModifier);
-    settle();
-    EXPECT_EQ(settings->tabs().selection(), SettingsTab::shortcuts) << "shown anew";
-    EXPECT_EQ(takeLog(), QStringList{u"close"_s});
-    QTest::keyClick(settings.get(), Qt::Key_W, Qt::ControlModifier);
-    EXPECT_FALSE(settings->isVisible());
-    settings->present();
-    QApplication::setActiveWindow(settings.get());
-    QTest::keyClick(settings.get(), Qt::Key_Q, Qt::ControlModifier);
-    settle();
-    EXPECT_TRUE(takeLog().contains(u"terminate"_s));
-}
-
-TEST_F(SettingsWindowTest, ChoicesAreStoredAndFollowChangesMadeElsewhere) {
-    openSettings(SettingsTab::appearance);
-    find<QSlider>(*settings, "editorPanelSize")->setValue(101);
-    EXPECT_EQ(preferences.scalePercent(), 101);
-    preferences.setScalePercent(99.6);
-    EXPECT_EQ(text(*settings, "editorPanelPercent"), u"100%"_s);
-    EXPECT_EQ(preferences.scalePercent(), 99.6) << "showing a value does not round it";
-    click(*settings, "resetEditorPanelSize");
-    EXPECT_EQ(preferences.scalePercent(), 100);
-    click(*settings, "doubleClickOutsideToCancel");
-    EXPECT_FALSE(preferences.doubleClickOutsideToCancel());
-    click(*settings, "downscaleRetinaScreenshots");
-    EXPECT_FALSE(preferences.downscaleRetinaScreenshots());
-    preferences.setDownscaleRetinaScreenshots(true);
-    EXPECT_TRUE(find(*settings, "downscaleRetinaScreenshots")->isChecked());
-    QTest::keyClick(find<QWidget>(*settings, "saveFormat"), Qt::Key_Down);
-    EXPECT_EQ(preferences.saveFormat(), ScreenshotSaveFormat::jpg);
 }
 
 TEST_F(SettingsWindowTest, DiagnosticHistoryIsSwitchedOffAndCleared) {
