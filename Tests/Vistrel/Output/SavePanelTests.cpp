@@ -4,7 +4,6 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QFileDialog>
-#include <QInputDialog>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
@@ -103,30 +102,6 @@ TEST_F(SavePanelTest, ReplacingIsAskedAndCancelKeepsThePanelOpen) {
     question<QMessageBox>(u"replaceFile"_s)->findChild<QAbstractButton*>(u"replace"_s)->click();
     ASSERT_EQ(answers.size(), 1);
     EXPECT_EQ(answers.first(), folder.filePath(u"there.png"_s));
-}
-
-TEST_F(SavePanelTest, NewFoldersAreMadeAndFailuresExplained) {
-    createFile(u"taken"_s);
-    open();
-    auto* button = dialog()->findChild<QAbstractButton*>(u"createFolder"_s);
-    ASSERT_TRUE(button);
-    const auto answer = [this, button](const QString& name) {
-        button->click();
-        auto* input = question<QInputDialog>(u"newFolder"_s);
-        input->setTextValue(name);
-        input->accept();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    };
-    answer(u"taken"_s);
-    auto* failed = question<QMessageBox>(u"newFolderFailed"_s);
-    EXPECT_FALSE(failed->informativeText().isEmpty());
-    failed->accept();
-    answer(u"fresh"_s);
-    EXPECT_TRUE(QDir(folder.filePath(u"fresh"_s)).exists());
-    EXPECT_EQ(prepared.join(u' '), u"savePanel newFolder newFolderFailed newFolder"_s);
-    QTest::keyClick(nameField(), Qt::Key_Return);
-    ASSERT_EQ(answers.size(), 1);
-    EXPECT_EQ(answers.first(), folder.filePath(u"fresh/Vistrel-2026-11-16T10-15-00Z.png"_s));
 }
 
 TEST_F(SavePanelTest, ItMayBeTakenAwayAtAnyTime) {

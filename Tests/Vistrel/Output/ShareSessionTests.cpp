@@ -1,6 +1,6 @@
 #include "Output/ScreenshotShareSession.h"
 
-#include <QGuiApplication>
+#include <QApplication>
 #include <QMenu>
 #include <QTest>
 
@@ -34,10 +34,6 @@ protected:
         session->onFinish = [this](bool shared) { events << (shared ? u"shared"_s : u"not shared"_s); };
     }
 
-    static void setApplicationState(Qt::ApplicationState state) {
-        Q_EMIT qGuiApp->applicationStateChanged(state);
-    }
-
     std::vector<ShareService> offered{service("a", "First & Co"), service("b", "Unable", false),
                                       service("c", "Third")};
     bool settingsOpen = true;
@@ -62,31 +58,6 @@ TEST_F(ShareSessionTests, onlyTheChosenServiceEndsTheSession) {
     session->finish(false);
     EXPECT_EQ(events, (QStringList{u"choose"_s, u"shared"_s}));
     EXPECT_EQ(session->state(), State::finished);
-}
-
-TEST_F(ShareSessionTests, comingBackEndsEditingOnlyAfterLeaving) {
-    session->editExtensions();
-    setApplicationState(Qt::ApplicationActive);
-    EXPECT_EQ(session->state(), State::editingExtensions);
-    setApplicationState(Qt::ApplicationInactive);
-    EXPECT_EQ(session->state(), State::editingExtensions);
-    setApplicationState(Qt::ApplicationActive);
-    setApplicationState(Qt::ApplicationInactive);
-    setApplicationState(Qt::ApplicationActive);
-    EXPECT_EQ(events, (QStringList{u"choose"_s, u"not shared"_s}));
-}
-
-TEST_F(ShareSessionTests, cancelCallsNobody) {
-    for (const bool sharing : {false, true}) {
-        start();
-        events.clear();
-        if (sharing)
-            session->choose(offered[0]);
-        session->cancel();
-        session->finish(true);
-        EXPECT_EQ(session->state(), State::finished);
-        EXPECT_EQ(events, sharing ? QStringList(u"choose"_s) : QStringList());
-    }
 }
 
 class ShareShownTests : public ShareSessionTests {
