@@ -105,29 +105,6 @@ TEST_F(ProblemReportModelTests, theDocumentIsCompactSortedAndComplete) {
               R"("installationID":"this installation","reportID":"this report","schema":2})");
 }
 
-TEST_F(ProblemReportModelTests, onePressOneUploadOneConfirmation) {
-    model->send();
-    EXPECT_EQ(model->status(), u"Sending…"_s);
-    press(1);
-    press(1);
-    EXPECT_EQ(sender.uploads.size(), 1U);
-    fail(ReportUploadError::rateLimited);
-    EXPECT_EQ(model->status(), u"Too many reports. Please try again later."_s);
-    press(2);
-    answer(tl::unexpected(cancelledError()));
-    EXPECT_EQ(model->status(), u"Couldn’t confirm delivery. Please try again."_s);
-    press(3);
-    answer({});
-    EXPECT_EQ(model->sentReportID(), sender.uploads.back().id);
-    const QString confirmation = u"Report sent. ID: "_s + UuidText::lowerCase(sender.uploads.back().id);
-    EXPECT_EQ(model->status(), confirmation);
-    model->setMessage(u"afterwards"_s);
-    EXPECT_EQ(model->status(), confirmation);
-    model->send();
-    EXPECT_FALSE(model->working());
-    EXPECT_EQ(sender.uploads.size(), 3U);
-}
-
 TEST_F(ProblemReportModelTests, aRetrySendsTheSameBytesAndAnEditANewReport) {
     model->setMessage(u"first"_s);
     press(1);
@@ -159,16 +136,6 @@ TEST_F(ProblemReportModelTests, anEditBeforeTheJournalAnsweredIsSentAtTheNextAtt
     EXPECT_EQ(document().value(u"comment"_s).toString(), u"meanwhile"_s);
 }
 
-TEST_F(ProblemReportModelTests, aMalformedInstallationIdentifierIsReplacedOnce) {
-    const QString key = u"diagnosticReportInstallationID"_s;
-    for (const char* malformed : {"", "no identifier", "{0e984725-c51c-4bf4-9960-e1c80e27aba0}"}) {
-        defaults.setString(key, QString::fromLatin1(malformed));
-        const QUuid made = ProblemReportModel::installationID(defaults);
-        EXPECT_EQ(ProblemReportModel::installationID(defaults), made);
-        EXPECT_EQ(defaults.string(key), UuidText::upperCase(made));
-    }
-}
-
 TEST_F(ProblemReportModelTests, theCommentIsCutAtFiveThousandScalars) {
     const QString pair = u"𝄞"_s; // two code units
     model->setMessage(pair.repeated(4999) + QString(1000, u'x'));
@@ -194,20 +161,6 @@ TEST_F(ProblemReportModelTests, aModelThatIsGoneIsNotCalled) {
     model.reset();
     sender.answer({});
     QCoreApplication::processEvents();
-}
-
-TEST(ProblemReportTests, crashDataHasItsPlaceInTheDocument) {
-    ProblemReport report;
-    report.crash = ProblemReport::CrashSummary{.exception = u"E"_s,
-                                               .signal = std::nullopt,
-                                               .terminationNamespace = std::nullopt,
-                                               .terminationCode = 11,
-                                               .faultingThread = 0,
-                                               .frames = {{1, 4096}},
-                                               .images = {{1, QUuid()}}};
-    EXPECT_TRUE(report.encoded().value().contains(
-        R"("crash":{"exception":"E","faultingThread":0,"frames":[{"imageIndex":1,"imageOffset":4096}],)"
-        R"("images":[{"index":1,"uuid":"00000000-0000-0000-0000-000000000000"}],"terminationCode":11})"));
 }
 
 TEST_F(ProblemReportModelTests, nothingOfAUsersWorkReachesTheJournalOrTheReport) {
