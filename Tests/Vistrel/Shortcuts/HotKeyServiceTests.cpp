@@ -90,40 +90,6 @@ TEST_F(HotKeyServiceTest, WhatCannotBeRegisteredIsNamedAndLeavesTheEarlierSet) {
     EXPECT_EQ(service.shortcuts(), std::vector{nine});
 }
 
-TEST_F(HotKeyServiceTest, AChordTheDesktopTookIsDroppedAndTheOthersStay) {
-    ASSERT_TRUE(service.registerShortcuts({nine, p}));
-    desktop.table = std::vector<SystemShortcut>{{1, 256, true}, {25, 768, true}};
-    EXPECT_EQ(failureOf({p, nine}), u"⇧⌘9: This shortcut is enabled in macOS Keyboard Shortcuts. "
-                                    "Change or disable it there first."_s);
-    EXPECT_EQ(service.shortcuts(), std::vector{p});
-    EXPECT_EQ(backend.keys(), std::vector<KeyCode>{35});
-}
-
-TEST_F(HotKeyServiceTest, OnlyTheSameEnabledChordConflicts) {
-    for (const auto& [entry, conflicts] : {std::pair(SystemShortcut{25, 768, true}, true),
-                                           {{25, 768, false}, false},
-                                           {{25, 0xb00, true}, false},
-                                           {{25, 256, true}, false},
-                                           {{26, 768, true}, false}}) {
-        desktop.table = std::vector{entry};
-        EXPECT_EQ(HotKeyService::conflictsWithSystem(nine, desktop), conflicts) << entry.keyCode;
-    }
-}
-
-TEST_F(HotKeyServiceTest, OnlyPressesOfRegisteredChordsArePassedOn) {
-    std::vector<CaptureTime::Instant> presses;
-    const CaptureTime::Instant instant = CaptureTime::now();
-    ASSERT_TRUE(service.registerShortcuts({nine}));
-    const HotKeyId id = backend.live.begin()->first;
-    backend.onPressed(id, instant); // nobody listens yet
-    service.onActivation = [&presses](CaptureTime::Instant at) { presses.push_back(at); };
-    backend.onPressed(id, instant);
-    backend.onPressed(id + 1000, instant);
-    service.unregister();
-    backend.onPressed(id, instant);
-    EXPECT_EQ(presses, std::vector{instant});
-}
-
 TEST_F(HotKeyServiceTest, PausedChordsAreFreeAndComeBack) {
     ASSERT_TRUE(service.registerShortcuts({nine, p}));
     service.setPaused(true);

@@ -15,13 +15,7 @@ constexpr quint32 scan9 = 18;
 constexpr quint32 scanPrint = 107;
 constexpr quint32 scanF13 = 191;
 constexpr quint32 scanTab = 23;
-constexpr quint32 scanEscape = 9;
-constexpr quint32 scanLeft = 113;
 constexpr quint32 scanSuper = 133;
-
-const QString idle = u"Set Shortcut…"_s;
-const QString waiting = u"Press shortcut… (Esc cancels)"_s;
-const QString refused = u"Use ⌘, ⌃, or Print Screen"_s;
 
 class RecorderButtonTest : public testing::Test {
 protected:
@@ -38,9 +32,8 @@ protected:
         QApplication::setActiveWindow(&page);
     }
 
-    void press(int key, quint32 scanCode, Qt::KeyboardModifiers modifiers = Qt::NoModifier,
-               const QString& text = {}) {
-        QKeyEvent event(QEvent::KeyPress, key, modifiers, scanCode, 0, 0, text);
+    void press(int key, quint32 scanCode, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        QKeyEvent event(QEvent::KeyPress, key, modifiers, scanCode, 0, 0);
         QApplication::sendEvent(button, &event);
     }
 
@@ -52,25 +45,6 @@ protected:
 };
 
 } // namespace
-
-TEST_F(RecorderButtonTest, RefusesThenAccepts) {
-    EXPECT_EQ(button->text(), idle);
-    button->click();
-    EXPECT_EQ(button->text(), waiting);
-    EXPECT_TRUE(button->hasFocus());
-    press(Qt::Key_A, scanA, {}, u"a"_s);
-    EXPECT_EQ(button->text(), refused);
-    EXPECT_TRUE(button->recording());
-    press(Qt::Key_Left, scanLeft, Qt::ControlModifier);
-    EXPECT_TRUE(recorded.empty());
-    press(Qt::Key_A, scanA, Qt::ControlModifier, u"\x01"_s);
-    EXPECT_EQ(recorded, (std::vector<ScreenshotShortcut>{{0, 4096, u"A"_s}}));
-    EXPECT_EQ(button->text(), idle);
-    button->click();
-    press(Qt::Key_Escape, scanEscape, Qt::MetaModifier);
-    EXPECT_FALSE(button->recording());
-    EXPECT_EQ(recorded.size(), 1U) << "Escape ends without a shortcut";
-}
 
 TEST_F(RecorderButtonTest, RecordsWhatWasPressed) {
     struct PressCase {
@@ -90,22 +64,11 @@ TEST_F(RecorderButtonTest, RecordsWhatWasPressed) {
     for (const PressCase& row : rows) {
         button->click();
         press(Qt::Key_Super_L, scanSuper);
-        EXPECT_EQ(button->text(), waiting) << row.key;
+        EXPECT_TRUE(button->recording()) << row.key;
         press(row.key, row.scanCode, row.modifiers);
         ASSERT_EQ(recorded.size(), 1U) << row.key;
         EXPECT_EQ(recorded.front(), row.expected) << qPrintable(recorded.front().keyLabel);
         recorded.clear();
-    }
-}
-
-TEST_F(RecorderButtonTest, WhileRecordingNoShortcutOfThePageGetsTheKey) {
-    for (const bool recording : {false, true}) {
-        if (recording)
-            button->click();
-        QKeyEvent event(QEvent::ShortcutOverride, Qt::Key_Comma, Qt::MetaModifier, 59, 0, 0);
-        event.ignore();
-        QApplication::sendEvent(button, &event);
-        EXPECT_EQ(event.isAccepted(), recording);
     }
 }
 
