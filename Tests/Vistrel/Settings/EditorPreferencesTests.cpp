@@ -7,9 +7,7 @@
 #include <QJsonObject>
 #include <QTemporaryDir>
 
-#include <cmath>
 #include <gtest/gtest.h>
-#include <limits>
 
 using namespace Qt::StringLiterals;
 
@@ -68,32 +66,6 @@ TEST(EditorPreferencesTests, readsAndMigratesWhatIsStored) {
         const char* after = row.after == nullptr ? row.stored : row.after;
         EXPECT_EQ(stored(path), QJsonDocument::fromJson(after).object());
     }
-}
-
-TEST(EditorPreferencesTests, whatIsAssignedIsHeldToItsRangeAndStored) {
-    QTemporaryDir folder;
-    const QString path = folder.filePath(u"defaults.json"_s);
-    constexpr double infinite = std::numeric_limits<double>::infinity();
-    {
-        FileUserDefaults defaults(path);
-        EditorPreferences preferences(defaults);
-        for (const auto& [given, kept] : {std::pair(49.99, 50.0),
-                                          {150.01, 150.0},
-                                          {123.4, 123.4},
-                                          {std::nan(""), 100.0},
-                                          {-infinite, 100.0}}) {
-            preferences.setScalePercent(given);
-            EXPECT_EQ(preferences.scalePercent(), kept);
-            EXPECT_EQ(defaults.number(u"editorPanelScalePercentV2"_s), kept);
-        }
-        preferences.setDoubleClickOutsideToCancel(false);
-        preferences.setDownscaleRetinaScreenshots(false);
-        preferences.setSaveFormat(jpg);
-    }
-    EXPECT_EQ(stored(path), (QJsonObject{{u"editorPanelScalePercentV2"_s, 100},
-                                         {u"doubleClickOutsideToCancel"_s, false},
-                                         {u"downscaleRetinaScreenshots"_s, false},
-                                         {u"screenshotSaveFormat"_s, u"jpg"_s}}));
 }
 
 } // namespace

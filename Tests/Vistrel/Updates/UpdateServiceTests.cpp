@@ -58,26 +58,6 @@ TEST_F(UpdateServiceTests, canCheckOnlyWhenThereIsSomethingToCheck) {
     }
 }
 
-TEST_F(UpdateServiceTests, theToggleIsKept) {
-    UpdateService service(configuration, defaults);
-    service.start();
-    EXPECT_TRUE(service.automaticallyChecks());
-    service.setAutomaticallyChecks(false);
-    EXPECT_FALSE(service.controller()->automaticallyChecksForUpdates());
-    UpdateService next(configuration, defaults);
-    next.start();
-    EXPECT_FALSE(next.automaticallyChecks());
-}
-
-TEST_F(UpdateServiceTests, cannotCheckWhileAFeedIsAwaited) {
-    server.serve(u"/feed"_s, TestServer::silence());
-    UpdateService service(configuration, defaults);
-    service.start();
-    EXPECT_TRUE(service.canCheck());
-    service.checkForUpdates();
-    EXPECT_FALSE(service.canCheck());
-}
-
 TEST_F(UpdateServiceTests, theProbeDescribesFailuresWithDomainAndCode) {
     QString error;
     const auto probe = [&](const UpdaterConfiguration& build) {

@@ -4,7 +4,6 @@
 
 #include <QApplication>
 #include <QLabel>
-#include <QMessageBox>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTest>
@@ -96,17 +95,6 @@ TEST_F(UpdateWindowsTests, progressCanBeStoppedUntilInstallationBegins) {
     QTest::mouseClick(find<QPushButton>("updateCancel"), Qt::LeftButton);
     EXPECT_EQ(cancelled, 1);
     EXPECT_FALSE(dialog->isVisible());
-}
-
-TEST_F(UpdateWindowsTests, relaunchMayWaitAndErrorsAreTold) {
-    std::vector<bool> answers;
-    windows.showInstalled(u"2.0"_s, [&](bool relaunch) { answers.push_back(relaunch); });
-    QTest::keyClick(windows.window(), Qt::Key_Escape);
-    EXPECT_EQ(answers, std::vector{false});
-    windows.showError({QString(), 1, u"It failed."_s});
-    EXPECT_EQ(dynamic_cast<QMessageBox*>(windows.window())->informativeText(), u"It failed."_s);
-    windows.showUpToDate(u"1.0"_s);
-    EXPECT_FALSE(windows.window()->accessibleName().isEmpty());
 }
 
 } // namespace
