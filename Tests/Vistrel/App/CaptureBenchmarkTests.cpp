@@ -5,8 +5,6 @@
 
 #include <gtest/gtest.h>
 
-using namespace Qt::StringLiterals;
-
 namespace {
 
 /// A benchmark on a session that answers when the test says so, with a clock that the test turns.
@@ -31,8 +29,8 @@ protected:
                       [this](int code) { status = code; }});
         benchmark->start();
     }
-    void report(double totalMS, std::optional<QString> error = std::nullopt) {
-        CaptureTiming::Report report = *timing->finish(error);
+    void report(double totalMS) {
+        CaptureTiming::Report report = *timing->finish(std::nullopt);
         report.totalMS = totalMS;
         benchmark->receive(report);
     }
