@@ -42,14 +42,7 @@ protected:
         nameField()->setText(name);
         QTest::keyClick(nameField(), Qt::Key_Return);
     }
-    /// The question the panel is showing.
-    template<class Question>
-    Question* question(const QString& name) {
-        auto* found = dialog()->findChild<Question*>(name);
-        EXPECT_TRUE(found && found->isVisible()) << qPrintable(name);
-        return found;
-    }
-    void createFile(const QString& name) { writeFile(folder.filePath(name), "old"); }
+    QMessageBox* question() { return dialog()->findChild<QMessageBox*>(u"replaceFile"_s); }
 
     QTemporaryDir folder;
     QWidget overlay;
@@ -85,11 +78,12 @@ TEST_F(SavePanelTest, ConfirmedNamesEndInTheFormatsSuffix) {
 }
 
 TEST_F(SavePanelTest, ReplacingIsAskedAndCancelKeepsThePanelOpen) {
-    createFile(u"there.png"_s);
+    writeFile(folder.filePath(u"there.png"_s), "old");
     open();
     typeName(u"there"_s);
     EXPECT_TRUE(answers.isEmpty());
-    auto* box = question<QMessageBox>(u"replaceFile"_s);
+    QMessageBox* const box = question();
+    ASSERT_TRUE(box && box->isVisible());
     EXPECT_EQ(prepared.last(), u"replaceFile"_s);
     // The harmless answer is the one that Return gives.
     EXPECT_TRUE(box->defaultButton() == box->button(QMessageBox::Cancel));
@@ -99,7 +93,7 @@ TEST_F(SavePanelTest, ReplacingIsAskedAndCancelKeepsThePanelOpen) {
 
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     typeName(u"there"_s);
-    question<QMessageBox>(u"replaceFile"_s)->findChild<QAbstractButton*>(u"replace"_s)->click();
+    question()->findChild<QAbstractButton*>(u"replace"_s)->click();
     ASSERT_EQ(answers.size(), 1);
     EXPECT_EQ(answers.first(), folder.filePath(u"there.png"_s));
 }

@@ -42,11 +42,9 @@ struct KeyboardCase {
 };
 const KeyboardCase keyboardCases[] = {
     {"noKeyOfAnything", u"q", 0, {}, false},
-    {"noCommand", u"q", Modifier::command, {}, false},
     {"toolKeyHeldWithOption", u"p", Modifier::option, {}, false},
     {"toolKeyHeldWithCommand", u"p", Modifier::command, {}, false},
     {"typedIntoTheField", u"+", 0, {.sizeField = true}, false},
-    {"letterInTheField", u"p", 0, {.sizeField = true}, false},
     {"commandFromTheField", u"a", Modifier::command, {.sizeField = true}, true},
     {"larger", u"=", 0, {}, true},
     {"trueMinus", u"−", 0, {}, true},
