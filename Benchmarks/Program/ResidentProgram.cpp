@@ -10,11 +10,19 @@ namespace {
 constexpr KeyCode keyNine = 25;
 
 /// Nothing else on these screens is as large and beyond the reach of a window manager.
-std::ptrdiff_t overlays(DesktopSession& desktop) {
-    const std::vector<MappedWindow> windows = desktop.client().mappedWindows();
-    return std::ranges::count_if(windows, [](const MappedWindow& window) {
-        return window.overrideRedirect && window.rect.width() >= 800 && window.rect.height() >= 600;
+std::vector<MappedWindow> overlays(DesktopSession& desktop) {
+    std::vector<MappedWindow> windows = desktop.client().mappedWindows();
+    std::erase_if(windows, [](const MappedWindow& window) {
+        return !window.overrideRedirect || window.rect.width() < 800 || window.rect.height() < 600;
     });
+    return windows;
+}
+
+/// Keys that come earlier go to whoever has the keyboard.
+bool haveKeyboard(DesktopSession& desktop) {
+    const xcb_window_t focused = desktop.client().focusedWindow();
+    return std::ranges::any_of(overlays(desktop),
+                               [focused](const auto& window) { return window.id == focused; });
 }
 
 /// Ends the meter with the last that the program told its journal.
@@ -56,11 +64,11 @@ std::unique_ptr<ChildProgram> ResidentProgram::start(DesktopSession& desktop, co
 
 void ResidentProgram::capture(DesktopSession& desktop, int displays) {
     desktop.input().chord(Modifier::command | Modifier::shift, keyNine);
-    if (!waitUntil([&] { return overlays(desktop) == displays; }))
-        giveUp(desktop, "the overlay did not come");
+    if (!waitUntil([&] { return std::ssize(overlays(desktop)) == displays && haveKeyboard(desktop); }))
+        giveUp(desktop, "the overlay did not come with the keyboard");
 }
 
 void ResidentProgram::awaitClosed(DesktopSession& desktop) {
-    if (!waitUntil([&] { return overlays(desktop) == 0; }))
+    if (!waitUntil([&] { return overlays(desktop).empty(); }))
         giveUp(desktop, "the overlay did not go");
 }
