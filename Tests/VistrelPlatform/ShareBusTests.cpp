@@ -90,8 +90,10 @@ TEST_F(ShareBusTests, mailFallsBackToTheCommandWithoutAPortal) {
         const char* script;
         std::chrono::milliseconds patience;
         bool shared;
+        const char* connection = "client";
     } rows[] = {
         {"succeeds", "exit 0", 1h, true},
+        {"noBus", "exit 0", 1h, true, "none"},
         {"noTool", "exit 3", 1h, false},
         {"killed", "kill -9 $$", 1h, false},
         {"mailProgramStaysOpen", "while [ -e \"$0\" ]; do sleep 0.01; done; exit 4", 1ms, true},
@@ -107,7 +109,8 @@ TEST_F(ShareBusTests, mailFallsBackToTheCommandWithoutAPortal) {
         writeFile(command,
                   "#!/bin/sh\n[ -r \"$3\" ] && echo \"$*\" > '" + words.toUtf8() + "'\n" + row.script + "\n",
                   true);
-        ShareMail mail(bus.client(), retention, linkedDesktop, {row.patience, command});
+        ShareMail mail(QDBusConnection(QString::fromLatin1(row.connection)), retention, linkedDesktop,
+                       {row.patience, command});
         EXPECT_EQ(share(mail, u"mail"_s), row.shared);
         ASSERT_TRUE(waitUntil([&] { return !readFile(words).isEmpty(); }));
         EXPECT_EQ(readFile(words).trimmed(), "--utf8 --attach " + path.toUtf8());

@@ -7,6 +7,7 @@
 #include <QLineEdit>
 #include <QListView>
 #include <QMessageBox>
+#include <QPixmapCache>
 #include <QPushButton>
 #include <QSettings>
 #include <QStandardPaths>
@@ -64,6 +65,8 @@ SaveDialog::SaveDialog(QWidget* window, ScreenshotSaveFormat format, const QStri
 SaveDialog::~SaveDialog() {
     // The base class notes folder, history and layout when it goes.
     putAside();
+    // Each dialog has icons of its own, so the cache would only keep those of dialogs that are gone.
+    QPixmapCache::clear();
 }
 
 void SaveDialog::offerOnly(ScreenshotSaveFormat format) {

@@ -1,7 +1,9 @@
 #include "VistrelPlatform/Freedesktop/BusShortcutTable.h"
 
+#include "VistrelPlatform/Freedesktop/BusAnswer.h"
+
 #include <QDBusError>
-#include <QDBusPendingCallWatcher>
+#include <QDBusPendingCall>
 
 struct BusShortcutTable::Reading {
     QDBusMessage firstReply;
@@ -75,11 +77,8 @@ void BusShortcutTable::refresh() {
     if (isReading || !bus.isConnected())
         return;
     isReading = true;
-    auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(firstCall(), patience), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* finished) {
-        finished->deleteLater();
-        continueReading(finished->reply());
-    });
+    whenAnswered(
+        bus, firstCall(), this, [this](const QDBusMessage& reply) { continueReading(reply); }, patience);
 }
 
 void BusShortcutTable::continueReading(const QDBusMessage& firstReply) {
@@ -93,14 +92,14 @@ void BusShortcutTable::continueReading(const QDBusMessage& firstReply) {
     if (calls.empty())
         return endReading(reading);
     for (std::size_t i = 0; i < calls.size(); ++i) {
-        auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(calls[i], patience), this);
-        connect(watcher, &QDBusPendingCallWatcher::finished, this,
-                [this, reading, i](QDBusPendingCallWatcher* finished) {
-                    finished->deleteLater();
-                    reading->replies[i] = finished->reply();
-                    if (--reading->outstanding == 0)
-                        endReading(reading);
-                });
+        whenAnswered(
+            bus, calls[i], this,
+            [this, reading, i](const QDBusMessage& reply) {
+                reading->replies[i] = reply;
+                if (--reading->outstanding == 0)
+                    endReading(reading);
+            },
+            patience);
     }
 }
 

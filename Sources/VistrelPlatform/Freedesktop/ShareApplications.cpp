@@ -1,12 +1,11 @@
 #include "VistrelPlatform/Freedesktop/ShareApplications.h"
 
 #include "VistrelPlatform/CaptureTime.h"
+#include "VistrelPlatform/Freedesktop/BusAnswer.h"
 #include "VistrelPlatform/Freedesktop/ShareStart.h"
 
 #include <QCoreApplication>
 #include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
 #include <QFileInfo>
 #include <QTimer>
 #include <QUrl>
@@ -49,7 +48,7 @@ void ShareApplications::perform(const QString& identifier, std::shared_ptr<Share
     const Result<DesktopLibrary*> known = library();
     // Asked for again: it may have been removed since the menu was shown.
     const auto activation = known ? (*known)->activation(identifier) : std::nullopt;
-    if (activation == DesktopLibrary::Activation::bus) {
+    if (activation == DesktopLibrary::Activation::bus && bus.isConnected()) {
         activate(QFileInfo(identifier).completeBaseName(), std::move(file), std::move(completion));
         return;
     }
@@ -79,13 +78,11 @@ void ShareApplications::activate(const QString& application, std::shared_ptr<Sha
         application, path, QStringLiteral("org.freedesktop.Application"), QStringLiteral("Open"));
     call << QStringList(QString::fromUtf8(QUrl::fromLocalFile(file->path()).toEncoded()))
          << QVariantMap{{QStringLiteral("desktop-startup-id"), startupIdentifier()}};
-    auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(call), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this,
-            [this, watcher, file = std::move(file), completion = std::move(completion)] {
-                watcher->deleteLater();
-                const bool opened = !watcher->isError();
-                if (opened)
-                    retention.keep(file);
-                completion(opened);
-            });
+    whenAnswered(bus, call, this,
+                 [this, file = std::move(file), completion = std::move(completion)](const auto& reply) {
+                     const bool opened = reply.type() == QDBusMessage::ReplyMessage;
+                     if (opened)
+                         retention.keep(file);
+                     completion(opened);
+                 });
 }

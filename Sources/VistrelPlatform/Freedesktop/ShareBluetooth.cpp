@@ -1,12 +1,12 @@
 #include "VistrelPlatform/Freedesktop/ShareBluetooth.h"
 
+#include "VistrelPlatform/Freedesktop/BusAnswer.h"
 #include "VistrelPlatform/Freedesktop/ShareObexTransfer.h"
 
 #include <QDBusArgument>
 #include <QDBusMetaType>
 #include <QDBusObjectPath>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
+#include <QDBusReply>
 #include <QTimer>
 
 namespace {
@@ -30,20 +30,13 @@ void ShareBluetooth::refresh() {
         QStringLiteral("org.bluez"), QStringLiteral("/"),
         QStringLiteral("org.freedesktop.DBus.ObjectManager"), QStringLiteral("GetManagedObjects"));
     listing.setAutoStartService(false);
-    auto* objects = new QDBusPendingCallWatcher(systemBus.asyncCall(listing), this);
-    connect(objects, &QDBusPendingCallWatcher::finished, this, [this, objects] {
-        objects->deleteLater();
-        readDevices(objects->reply());
-    });
+    whenAnswered(systemBus, listing, this, [this](const QDBusMessage& reply) { readDevices(reply); });
 
     const QDBusMessage names = QDBusMessage::createMethodCall(
         QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
         QStringLiteral("org.freedesktop.DBus"), QStringLiteral("ListActivatableNames"));
-    auto* sender = new QDBusPendingCallWatcher(sessionBus.asyncCall(names), this);
-    connect(sender, &QDBusPendingCallWatcher::finished, this, [this, sender] {
-        const QDBusPendingReply<QStringList> reply = *sender;
-        sender->deleteLater();
-        canSend = !reply.isError() && reply.value().contains(QStringLiteral("org.bluez.obex"));
+    whenAnswered(sessionBus, names, this, [this](const QDBusReply<QStringList>& reply) {
+        canSend = reply.isValid() && reply.value().contains(QStringLiteral("org.bluez.obex"));
     });
 }
 

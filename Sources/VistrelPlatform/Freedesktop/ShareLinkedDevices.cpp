@@ -1,9 +1,10 @@
 #include "VistrelPlatform/Freedesktop/ShareLinkedDevices.h"
 
+#include "VistrelPlatform/Freedesktop/BusAnswer.h"
+
 #include <QDBusArgument>
 #include <QDBusMessage>
 #include <QDBusMetaType>
-#include <QDBusPendingCallWatcher>
 #include <QUrl>
 
 namespace {
@@ -25,10 +26,7 @@ void ShareLinkedDevices::refresh() {
     const bool onlyReachable = true;
     const bool onlyPaired = true;
     call << onlyReachable << onlyPaired;
-    auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(call), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
-        watcher->deleteLater();
-        const QDBusMessage reply = watcher->reply();
+    whenAnswered(bus, call, this, [this](const QDBusMessage& reply) {
         names.clear();
         if (reply.type() == QDBusMessage::ReplyMessage && !reply.arguments().isEmpty())
             names = qdbus_cast<QMap<QString, QString>>(reply.arguments().first());
@@ -48,13 +46,11 @@ void ShareLinkedDevices::perform(const QString& identifier, std::shared_ptr<Shar
         daemonName, QStringLiteral("%1/devices/%2/share").arg(daemonPath, identifier),
         QStringLiteral("org.kde.kdeconnect.device.share"), QStringLiteral("shareUrl"));
     call << QString::fromUtf8(QUrl::fromLocalFile(file->path()).toEncoded());
-    auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(call), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this,
-            [this, watcher, file = std::move(file), completion = std::move(completion)] {
-                watcher->deleteLater();
-                const bool accepted = !watcher->isError();
-                if (accepted)
-                    retention.keep(file);
-                completion(accepted);
-            });
+    whenAnswered(bus, call, this,
+                 [this, file = std::move(file), completion = std::move(completion)](const auto& reply) {
+                     const bool accepted = reply.type() == QDBusMessage::ReplyMessage;
+                     if (accepted)
+                         retention.keep(file);
+                     completion(accepted);
+                 });
 }

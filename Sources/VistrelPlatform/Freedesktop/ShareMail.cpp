@@ -1,10 +1,10 @@
 #include "VistrelPlatform/Freedesktop/ShareMail.h"
 
+#include "VistrelPlatform/Freedesktop/BusAnswer.h"
 #include "VistrelPlatform/Freedesktop/SharePortalRequest.h"
 
 #include <QDBusMetaType>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
+#include <QDBusReply>
 #include <QDBusUnixFileDescriptor>
 #include <QFile>
 #include <QFileInfo>
@@ -42,12 +42,9 @@ void ShareMail::refresh() {
     const QDBusMessage call = QDBusMessage::createMethodCall(
         QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
         QStringLiteral("org.freedesktop.DBus"), QStringLiteral("ListActivatableNames"));
-    auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(call), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
-        const QDBusPendingReply<QStringList> reply = *watcher;
-        watcher->deleteLater();
+    whenAnswered(bus, call, this, [this](const QDBusReply<QStringList>& reply) {
         portalInstalled =
-            !reply.isError() && reply.value().contains(QStringLiteral("org.freedesktop.portal.Desktop"));
+            reply.isValid() && reply.value().contains(QStringLiteral("org.freedesktop.portal.Desktop"));
     });
 }
 

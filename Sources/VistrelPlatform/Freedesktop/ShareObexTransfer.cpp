@@ -1,9 +1,10 @@
 #include "VistrelPlatform/Freedesktop/ShareObexTransfer.h"
 
+#include "VistrelPlatform/Freedesktop/BusAnswer.h"
+
 #include <QDBusArgument>
 #include <QDBusObjectPath>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
+#include <QDBusReply>
 #include <QDBusServiceWatcher>
 
 namespace {
@@ -35,24 +36,25 @@ void ShareObexTransfer::start(const QString& address, const QString& adapterAddr
     QDBusMessage call = QDBusMessage::createMethodCall(obexService, clientPath, clientInterface,
                                                        QStringLiteral("CreateSession"));
     call << address << arguments;
-    auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(call, answerTimeout), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
-        const QDBusPendingReply<QDBusObjectPath> reply = *watcher;
-        if (reply.isError()) {
-            finish(false);
-            return;
-        }
-        session = reply.value().path();
-        send();
-    });
+    whenAnswered(
+        bus, call, this,
+        [this](const QDBusReply<QDBusObjectPath>& reply) {
+            if (!reply.isValid()) {
+                finish(false);
+                return;
+            }
+            session = reply.value().path();
+            send();
+        },
+        answerTimeout);
 }
 
 void ShareObexTransfer::send() {
     QDBusMessage call = QDBusMessage::createMethodCall(
         obexService, session, QStringLiteral("org.bluez.obex.ObjectPush1"), QStringLiteral("SendFile"));
     call << file->path();
-    auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(call, answerTimeout), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] { sent(watcher->reply()); });
+    whenAnswered(
+        bus, call, this, [this](const QDBusMessage& reply) { sent(reply); }, answerTimeout);
 }
 
 void ShareObexTransfer::sent(const QDBusMessage& reply) {

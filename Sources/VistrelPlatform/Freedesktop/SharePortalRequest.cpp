@@ -1,8 +1,9 @@
 #include "VistrelPlatform/Freedesktop/SharePortalRequest.h"
 
+#include "VistrelPlatform/Freedesktop/BusAnswer.h"
+
 #include <QDBusArgument>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
+#include <QDBusReply>
 #include <QDBusServiceWatcher>
 #include <QUuid>
 
@@ -32,11 +33,8 @@ void SharePortalRequest::call(const QString& interface, const QString& method, c
     options.insert(QStringLiteral("handle_token"), token);
     QDBusMessage message = QDBusMessage::createMethodCall(portalName, portalPath, interface, method);
     message.setArguments(arguments + QVariantList{options});
-    auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(message), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
-        const QDBusPendingReply<QDBusObjectPath> reply = *watcher;
-        watcher->deleteLater();
-        if (reply.isError())
+    whenAnswered(bus, message, this, [this](const QDBusReply<QDBusObjectPath>& reply) {
+        if (!reply.isValid())
             answer(Answer::unavailable);
         else if (reply.value().path() != listening)
             listen(reply.value().path());

@@ -1,8 +1,9 @@
 #include "VistrelPlatform/Freedesktop/StatusNotifierHost.h"
 
+#include "VistrelPlatform/Freedesktop/BusAnswer.h"
+
 #include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
+#include <QDBusReply>
 #include <QDBusServiceWatcher>
 #include <QDBusVariant>
 
@@ -33,10 +34,7 @@ void StatusNotifierHost::ask() {
                                                            QStringLiteral("Get"));
     question << watcherService << QStringLiteral("IsStatusNotifierHostRegistered");
     question.setAutoStartService(false);
-    auto* call = new QDBusPendingCallWatcher(bus.asyncCall(question), this);
-    connect(call, &QDBusPendingCallWatcher::finished, this, [this, call] {
-        const QDBusPendingReply<QDBusVariant> reply = *call;
-        call->deleteLater();
+    whenAnswered(bus, question, this, [this](const QDBusReply<QDBusVariant>& reply) {
         setPresent(reply.isValid() && reply.value().variant().toBool());
     });
 }
