@@ -4,13 +4,7 @@
 
 TEST(CaptureGeometry, aSelectionTouchesTheRightPixels) {
     constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
-    const struct {
-        const char* name;
-        Rect selection;
-        Size view;
-        Size image;
-        Rect expected;
-    } rows[] = {
+    const std::tuple<const char*, Rect, Size, Size, Rect> rows[] = {
         {"fractionalEdgesGrow", {0.4, 0.4, 10.2, 10.2}, {100, 100}, {200, 200}, {0, 178, 22, 22}},
         {"wholeEdgesStay", {10, 20, 30, 40}, {100, 100}, {200, 200}, {20, 80, 60, 80}},
         {"wholeView", {0, 0, 100, 50}, {100, 50}, {200, 100}, {0, 0, 200, 100}},
@@ -26,8 +20,8 @@ TEST(CaptureGeometry, aSelectionTouchesTheRightPixels) {
         {"selectionThatIsNoNumber", {notANumber, 0, 5, 5}, {100, 100}, {200, 200}, {}},
         {"badgeExample", {10.25, 10.25, 100.5, 50.5}, {200, 100}, {400, 200}, {20, 78, 202, 102}},
     };
-    for (const auto& row : rows)
-        EXPECT_EQ(CaptureGeometry::pixelRect(row.selection, row.view, row.image), row.expected) << row.name;
+    for (const auto& [name, selection, view, image, expected] : rows)
+        EXPECT_EQ(CaptureGeometry::pixelRect(selection, view, image), expected) << name;
 }
 
 TEST(CaptureGeometry, selectionOnPixelBordersKeepsItsPixelsAtEveryScale) {
@@ -44,13 +38,7 @@ TEST(CaptureGeometry, selectionOnPixelBordersKeepsItsPixelsAtEveryScale) {
 }
 
 TEST(CaptureGeometry, theLabelStaysWithinTheBounds) {
-    const struct {
-        const char* name;
-        Rect selection;
-        Size label;
-        Rect bounds;
-        Rect expected;
-    } rows[] = {
+    const std::tuple<const char*, Rect, Size, Rect, Rect> rows[] = {
         {"above", {40, 40, 40, 20}, {20, 10}, {0, 0, 200, 100}, {50, 66, 20, 10}},
         {"justFitsAbove", {40, 40, 40, 44}, {20, 10}, {0, 0, 200, 100}, {50, 90, 20, 10}},
         {"insideTop", {40, 40, 40, 44.5}, {20, 10}, {0, 0, 200, 100}, {50, 68.5, 20, 10}},
@@ -60,25 +48,20 @@ TEST(CaptureGeometry, theLabelStaysWithinTheBounds) {
         {"tallerThanBounds", {0, 0, 10, 10}, {9, 90}, {0, 0, 50, 50}, {0.5, 0, 9, 50}},
         {"belowBottom", {0, -80, 10, 10}, {10, 10}, {0, 0, 50, 50}, {0, 0, 10, 10}},
     };
-    for (const auto& row : rows)
-        EXPECT_EQ(CaptureGeometry::labelRect(row.selection, row.label, row.bounds), row.expected) << row.name;
+    for (const auto& [name, selection, label, bounds, expected] : rows)
+        EXPECT_EQ(CaptureGeometry::labelRect(selection, label, bounds), expected) << name;
 }
 
 TEST(CaptureGeometry, pointsAndWhatTheySpanLieWithinTheBounds) {
     const Rect rect = {10, 20, 100, 50};
-    const struct {
-        const char* name;
-        Point from;
-        Point to;
-        Rect expected;
-    } rows[] = {
+    const std::tuple<const char*, Point, Point, Rect> rows[] = {
         {"inside", {30, 60}, {20, 40}, {20, 40, 10, 20}},
         {"across", {0, 0}, {500, 500}, rect},
         {"bothBeyondTheRightEdge", {200, 30}, {300, 40}, {110, 30, 0, 10}},
         {"bothBelow", {30, -5}, {40, 0}, {30, 20, 10, 0}},
     };
-    for (const auto& row : rows)
-        EXPECT_EQ(CaptureGeometry::rectBetween(row.from, row.to, rect), row.expected) << row.name;
+    for (const auto& [name, from, to, expected] : rows)
+        EXPECT_EQ(CaptureGeometry::rectBetween(from, to, rect), expected) << name;
     EXPECT_EQ(CaptureGeometry::clamped({110, 70}, rect), (Point{110, 70})) << "on the edge";
     EXPECT_EQ(CaptureGeometry::clamped({-5, 500}, rect), (Point{10, 70}));
     EXPECT_EQ(CaptureGeometry::clamped({500, -5}, {7, 8, 0, 0}), (Point{7, 8}));

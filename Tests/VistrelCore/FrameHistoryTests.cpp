@@ -23,11 +23,7 @@ std::vector<int> valuesOf(const Buffer& buffer) {
 } // namespace
 
 TEST(BufferPolicy, fitsTheBudget) {
-    const struct {
-        const char* name;
-        BufferPolicy::Request request;
-        std::optional<BufferPolicy> expected;
-    } rows[] = {
+    const std::tuple<const char*, BufferPolicy::Request, std::optional<BufferPolicy>> rows[] = {
         {"notebook", {3024, 1964, 1, 60}, BufferPolicy{60, 13, 153'851'904}},
         {"fullHD", {1920, 1080, 1, 30}, BufferPolicy{30, 7, 34'214'400}},
         {"rateIsCapped", {1920, 1080, 1, 1000}, BufferPolicy{60, 13, 52'876'800}},
@@ -44,8 +40,8 @@ TEST(BufferPolicy, fitsTheBudget) {
         {"noHeight", {64, 0, 1, 60}, std::nullopt},
         {"noDisplay", {64, 2, 0, 60}, std::nullopt},
     };
-    for (const auto& row : rows)
-        EXPECT_EQ(BufferPolicy::fitting(row.request), row.expected) << row.name;
+    for (const auto& [name, request, expected] : rows)
+        EXPECT_EQ(BufferPolicy::fitting(request), expected) << name;
 }
 
 TEST(FrameHistoryDeathTest, senselessNumbersStopTheProgram) {
@@ -77,12 +73,7 @@ TEST(RollingFrameBuffer, keepsWhatIsYoungEnoughAndFits) {
 }
 
 TEST(RollingFrameBuffer, findsTheFrameThatWasShown) {
-    const struct {
-        const char* name;
-        std::chrono::nanoseconds before;
-        std::chrono::nanoseconds offset;
-        int expected;
-    } rows[] = {
+    const std::tuple<const char*, std::chrono::nanoseconds, std::chrono::nanoseconds, int> rows[] = {
         {"rewound", 100ms, 80ms, 1},
         {"exactlyAtTheTarget", 130ms, 80ms, 2},
         {"justBeforeTheTarget", 130ms - 1ns, 80ms, 1},
@@ -95,9 +86,9 @@ TEST(RollingFrameBuffer, findsTheFrameThatWasShown) {
     buffer.append(1, start);
     buffer.append(2, start + 50ms);
     buffer.append(3, start + 90ms);
-    for (const auto& row : rows) {
-        const auto found = buffer.frame(start + row.before, row.offset);
-        EXPECT_EQ(found ? found->value : 0, row.expected) << row.name;
+    for (const auto& [name, before, offset, expected] : rows) {
+        const auto found = buffer.frame(start + before, offset);
+        EXPECT_EQ(found ? found->value : 0, expected) << name;
     }
     buffer.prune(start + 5s);
     EXPECT_EQ(buffer.frame(start + 95ms, 0ms)->value, 3);
