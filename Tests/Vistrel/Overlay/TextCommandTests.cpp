@@ -62,6 +62,10 @@ TEST_F(TextCommandTests, aLayerOfAnotherSizeIsMeasuredAgainWithinTheSelection) {
     EXPECT_EQ(box.minX(), 300);
     EXPECT_EQ(box.maxY(), 220) << "the top-left corner stays";
     EXPECT_EQ(box.size(), AnnotationTextLayout::size(layers().front().text, 40, {50, 170}));
+    editor.layers.setDrawingSize(99);
+    EXPECT_EQ(undoSteps(), 2U);
+    editor.layers.stepSize(1);
+    EXPECT_EQ(undoSteps(), 2U) << "it has the largest size already";
 }
 
 TEST_F(TextCommandTests, everyCommandCommitsFirst) {
