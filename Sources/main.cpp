@@ -175,5 +175,11 @@ int main(int argc, char** argv) {
     QStringList arguments;
     for (int index = 0; index < argc; ++index)
         arguments << QString::fromLocal8Bit(argv[index]);
-    return std::visit(ModeRunner(arguments), CommandLineMode::parse(arguments));
+    // Only for want of memory: the way out gives the screen back.
+    try {
+        return std::visit(ModeRunner(arguments), CommandLineMode::parse(arguments));
+    } catch (const std::exception& failure) {
+        std::fprintf(stderr, "Vistrel had to stop: %s\n", failure.what());
+        return EXIT_FAILURE;
+    }
 }
