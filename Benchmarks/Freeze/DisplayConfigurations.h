@@ -27,6 +27,7 @@ inline std::vector<DisplayConfiguration> growingConfigurations() {
     const QString names[] = {QStringLiteral("first"), QStringLiteral("second"), QStringLiteral("third"),
                              QStringLiteral("fourth")};
     std::vector<MonitorSetup> monitors;
+    monitors.reserve(std::size(names));
     for (int index = 0; index < 4; ++index)
         monitors.push_back({names[index], {1920 * (index % 2), 1080 * (index / 2), 1920, 1080}});
     return {{"2x1920x1080", {3840, 1080}, {monitors.begin(), monitors.begin() + 2}},

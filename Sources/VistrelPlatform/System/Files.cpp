@@ -23,7 +23,7 @@ Result<void> Files::createFolder(const QString& path, mode_t mode) {
     }
     const QString parent = QDir::cleanPath(path + QStringLiteral("/.."));
     if (parent != QDir::cleanPath(path)) {
-        if (const Result<void> made = createFolder(parent, mode); !made)
+        if (Result<void> made = createFolder(parent, mode); !made)
             return made;
     }
     // Another process may have made it in between.

@@ -12,11 +12,11 @@ namespace {
 
 Result<void> prepare(const QString& staged, const QString& folder, const UpdateVersion& version) {
     const QString information = QStringLiteral("usr/share/vistrel/Info.json");
-    const auto extracted =
+    auto extracted =
         ReplacementFiles::run(staged, {QStringLiteral("--appimage-extract"), information}, folder);
     if (!extracted)
         return extracted;
-    if (const auto checked =
+    if (auto checked =
             ReplacementFiles::checkVersion(folder + QStringLiteral("/squashfs-root/") + information, version);
         !checked)
         return checked;

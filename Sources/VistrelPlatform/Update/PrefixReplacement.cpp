@@ -20,14 +20,14 @@ const QString information = QStringLiteral("/share/vistrel/Info.json");
 const QString fileList = QStringLiteral("/share/vistrel/Files.txt");
 
 Result<void> unpack(const QString& archive, const QString& folder, const UpdateVersion& version) {
-    const auto unpacked =
+    auto unpacked =
         ReplacementFiles::run(QStringLiteral("tar"),
                               {QStringLiteral("--extract"), QStringLiteral("--strip-components=1"),
                                QStringLiteral("--no-same-owner"), QStringLiteral("--file"), archive},
                               folder);
     if (!unpacked)
         return unpacked;
-    if (const auto checked = ReplacementFiles::checkVersion(folder + information, version); !checked)
+    if (auto checked = ReplacementFiles::checkVersion(folder + information, version); !checked)
         return checked;
     // Without its list the new tree could never be updated itself.
     if (!QFileInfo(folder + program).isExecutable() || !PrefixReplacement::holdsNothingElse(folder))

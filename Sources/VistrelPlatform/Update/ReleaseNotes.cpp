@@ -100,7 +100,7 @@ private:
             }
     }
     QString closeLast() {
-        const QString tag = opened.takeLast();
+        QString tag = opened.takeLast();
         output += QStringLiteral("</%1>").arg(tag);
         return tag;
     }

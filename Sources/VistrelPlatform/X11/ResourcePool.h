@@ -38,13 +38,13 @@ private:
 
         void operator()(T* raw) const {
             std::unique_ptr<T> piece(raw);
-            const auto shelf = home.lock();
-            if (!shelf)
+            const auto place = home.lock();
+            if (!place)
                 return;
             piece->rest();
-            const std::lock_guard lock(shelf->mutex);
-            if (shelf->unused.empty())
-                shelf->unused.push_back(std::move(piece));
+            const std::lock_guard lock(place->mutex);
+            if (place->unused.empty())
+                place->unused.push_back(std::move(piece));
         }
     };
 

@@ -29,13 +29,16 @@ TopLevelWindows::TopLevelWindows(std::shared_ptr<X11Connection> server, std::opt
 TopLevelWindows::Request TopLevelWindows::request() const {
     xcb_connection_t* xcb = connection->get();
     return {xcb_query_tree(xcb, connection->root()),
-            xcb_get_property(xcb, 0, connection->root(), clientListAtom, XCB_ATOM_WINDOW, 0, 4096)};
+            xcb_get_property(xcb, 0, connection->root(), clientListAtom, XCB_ATOM_WINDOW, 0, 4096),
+            xcb_get_selection_owner(xcb, compositorAtom)};
 }
 
 TopLevelWindows::Tree TopLevelWindows::receive(const Request& request) const {
     const auto tree = xcbReply<xcb_query_tree_reply>(connection->get(), request.tree);
     const auto clients = xcbReply<xcb_get_property_reply>(connection->get(), request.clients);
+    const auto compositor = xcbReply<xcb_get_selection_owner_reply>(connection->get(), request.compositor);
     Tree result;
+    result.composited = compositor && compositor->owner != XCB_NONE;
     if (tree) {
         const xcb_window_t* children = xcb_query_tree_children(tree.get());
         result.children.assign(children, children + xcb_query_tree_children_length(tree.get()));
@@ -44,10 +47,10 @@ TopLevelWindows::Tree TopLevelWindows::receive(const Request& request) const {
     return result;
 }
 
-bool TopLevelWindows::anyOwn(const Request& request, QRect area) const {
+TopLevelWindows::Glance TopLevelWindows::glance(const Request& request, QRect area) const {
     const Tree tree = receive(request);
     if (!own)
-        return false;
+        return {false, tree.composited};
     std::vector<xcb_window_t> candidates;
     std::vector<xcb_window_t> managed;
     const auto isOwn = [this](xcb_window_t window) { return own->owns(window); };
@@ -55,7 +58,7 @@ bool TopLevelWindows::anyOwn(const Request& request, QRect area) const {
     std::ranges::copy_if(tree.clients, std::back_inserter(managed), isOwn);
     if (!managed.empty())
         std::ranges::copy(frames(managed), std::back_inserter(candidates));
-    return !candidates.empty() && !onScreen(candidates, area).empty();
+    return {!candidates.empty() && !onScreen(candidates, area).empty(), tree.composited};
 }
 
 std::vector<TopLevelWindow> TopLevelWindows::onScreen(const std::vector<xcb_window_t>& windows,
@@ -112,6 +115,7 @@ std::vector<xcb_window_t> TopLevelWindows::frames(const std::vector<xcb_window_t
 std::vector<xcb_window_t> TopLevelWindows::minimised(const std::vector<xcb_window_t>& clients) const {
     xcb_connection_t* xcb = connection->get();
     std::vector<xcb_get_property_cookie_t> asked;
+    asked.reserve(clients.size());
     for (const xcb_window_t client : clients)
         asked.push_back(xcb_get_property(xcb, 0, client, stateAtom, XCB_ATOM_ATOM, 0, 64));
     std::vector<xcb_window_t> result;
@@ -123,12 +127,6 @@ std::vector<xcb_window_t> TopLevelWindows::minimised(const std::vector<xcb_windo
     return result;
 }
 
-bool TopLevelWindows::isComposited() const {
-    const auto owner = xcbReply<xcb_get_selection_owner_reply>(
-        connection->get(), xcb_get_selection_owner(connection->get(), compositorAtom));
-    return owner && owner->owner != XCB_NONE;
-}
-
 std::vector<xcb_window_t> TopLevelWindows::ownClients() const {
     std::vector<xcb_window_t> clients = receive(request()).clients;
     std::erase_if(clients, [this](xcb_window_t client) { return !own || !own->owns(client); });
@@ -137,8 +135,7 @@ std::vector<xcb_window_t> TopLevelWindows::ownClients() const {
 
 xcb_window_t TopLevelWindows::compositorOutput() const {
     xcb_connection_t* xcb = connection->get();
-    // Asked for without a compositor the window would be created.
-    if (!isComposited() || !connection->extensions().composite)
+    if (!connection->extensions().composite)
         return XCB_NONE;
     const auto output = xcbReply<xcb_composite_get_overlay_window_reply>(
         xcb, xcb_composite_get_overlay_window(xcb, connection->root()));
@@ -150,7 +147,7 @@ xcb_window_t TopLevelWindows::compositorOutput() const {
 
 std::vector<TopLevelWindow> TopLevelWindows::visible(QRect area) const {
     const Tree tree = receive(request());
-    const xcb_window_t output = compositorOutput();
+    const xcb_window_t output = tree.composited ? compositorOutput() : XCB_NONE;
     const std::vector<xcb_window_t> clientFrames = frames(tree.clients);
     const std::vector<xcb_window_t> hidden = frames(minimised(tree.clients));
     std::vector<TopLevelWindow> windows = onScreen(tree.children, area);
