@@ -3,7 +3,6 @@
 
 #include "DisplayConfigurations.h"
 
-#include "VistrelPlatform/X11/ServerPixmap.h"
 #include "VistrelPlatform/X11/SharedSegment.h"
 #include "VistrelPlatform/X11/X11ScreenCapturer.h"
 
@@ -77,12 +76,8 @@ void pixelsInMemory(benchmark::State& state, const DisplayConfiguration& configu
         state.SetIterationTime(captures.back());
         for (auto& result : results) {
             const Result<CapturedImage> captured = result.result();
-            if (!captured) {
+            if (!captured)
                 state.SkipWithError(captured.error().description.toUtf8().constData());
-                continue;
-            }
-            // Completed after the pixels; what that takes belongs to the key's figure, not to this one.
-            std::static_pointer_cast<X11FrozenPicture>(captured->frozen)->awaitPixmap();
         }
     }
     state.counters["reference_ms"] = median(references) * 1000;

@@ -69,8 +69,6 @@ void X11Connection::readExtensions() {
     if (isPresent(xcb, &xcb_shm_id)) {
         const auto version = xcbReply<xcb_shm_query_version_reply>(xcb, xcb_shm_query_version(xcb));
         available.sharedMemory = version && isAtLeast(version->major_version, version->minor_version, 1, 2);
-        available.sharedPixmaps = available.sharedMemory && version->shared_pixmaps &&
-                                  version->pixmap_format == XCB_IMAGE_FORMAT_Z_PIXMAP;
     }
     if (isPresent(xcb, &xcb_render_id))
         available.render =

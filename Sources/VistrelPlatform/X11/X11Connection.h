@@ -22,8 +22,6 @@ public:
     struct Extensions {
         /// MIT-SHM 1.2, which takes file descriptors.
         bool sharedMemory = false;
-        /// Pixmaps in that memory; a server with a graphics processor seldom has them.
-        bool sharedPixmaps = false;
         bool render = false;
         /// Composite 0.2 with XFixes 2 regions.
         bool composite = false;

@@ -1,6 +1,7 @@
 #include "VistrelPlatform/X11/X11DisplayFilter.h"
 
 #include "VistrelPlatform/X11/AreaScaler.h"
+#include "VistrelPlatform/X11/X11FrozenPicture.h"
 
 #include <algorithm>
 
@@ -51,10 +52,6 @@ Result<X11DisplayFilter::Segment> X11DisplayFilter::lendSegment() {
     return segment;
 }
 
-std::shared_ptr<ServerPixmap> X11DisplayFilter::lendPixmap() {
-    return pixmaps.lend([this] { return std::make_unique<ServerPixmap>(connection, sizeOf(monitor.rect)); });
-}
-
 xcb_shm_get_image_cookie_t X11DisplayFilter::requestPixels(xcb_drawable_t source, QPoint origin,
                                                            const SharedSegment& segment) const {
     return xcb_shm_get_image(connection->get(), source, xcbCoordinate(origin.x()), xcbCoordinate(origin.y()),
@@ -75,11 +72,7 @@ Result<void> X11DisplayFilter::warm() {
     const Result<Segment> segment = lendSegment();
     if (!segment)
         return tl::unexpected(segment.error());
-    const auto cookie = requestPixels(connection->root(), monitor.rect.topLeft(), **segment);
-    if (connection->extensions().render) {
-        lendPixmap()->dimFrom(**segment);
-    }
-    return receivePixels(cookie);
+    return receivePixels(requestPixels(connection->root(), monitor.rect.topLeft(), **segment));
 }
 
 Result<CapturedImage> X11DisplayFilter::capture(PixelSize size) {
@@ -97,7 +90,7 @@ Result<CapturedImage> X11DisplayFilter::capture(PixelSize size) {
     const auto windowsRequest = windows.request();
     const auto pixelsCookie = requestPixels(connection->root(), monitor.rect.topLeft(), **segment);
     const auto monitors = receiveMonitors(xcb, monitorsCookie);
-    const bool ownWindows = windows.anyOwn(windowsRequest, monitor.rect);
+    const TopLevelWindows::Glance glance = windows.glance(windowsRequest, monitor.rect);
     const Result<void> pixels = receivePixels(pixelsCookie);
     if (!monitors)
         return tl::unexpected(monitors.error());
@@ -106,26 +99,27 @@ Result<CapturedImage> X11DisplayFilter::capture(PixelSize size) {
     if (!pixels)
         return tl::unexpected(pixels.error());
 
-    std::shared_ptr<X11FrozenPicture> frozen;
-    if (connection->extensions().render) {
-        const auto pixmap = lendPixmap();
-        if (ownWindows && connection->extensions().composite) {
-            if (const Result<void> composed = leaveOutOwnWindows(*pixmap, **segment); !composed)
-                return tl::unexpected(composed.error());
-            pixmap->dim();
-        } else {
-            // From the pixels just read, so that what is shown is what is exported.
-            pixmap->dimFrom(**segment);
-        }
-        frozen = std::make_shared<X11FrozenPicture>(connection, pixmap);
-    }
+    if (glance.anyOwn && connection->extensions().render && connection->extensions().composite)
+        if (const Result<void> composed = leaveOutOwnWindows(glance.composited, **segment); !composed)
+            return tl::unexpected(composed.error());
     const QImage native = SharedSegment::image(*segment, monitor.rect.width(), monitor.rect.height());
-    return capturedImage(native, size, std::move(frozen));
+    return capturedImage(native, size, frozen(*segment, glance));
 }
 
-Result<void> X11DisplayFilter::leaveOutOwnWindows(ServerPixmap& pixmap, const SharedSegment& segment) const {
-    const WindowComposer::Scene scene{monitor.rect, windows.visible(monitor.rect), windows.isComposited()};
-    if (scene.composited) {
+std::shared_ptr<FrozenPicture> X11DisplayFilter::frozen(const Segment& segment,
+                                                        TopLevelWindows::Glance glance) const {
+    if (!connection->extensions().render)
+        return nullptr;
+    // A compositor may keep the screen's picture elsewhere than in the root.
+    if (glance.anyOwn || glance.composited)
+        return std::make_shared<X11FrozenPicture>(connection, sizeOf(monitor.rect), segment);
+    return std::make_shared<X11FrozenPicture>(connection, sizeOf(monitor.rect));
+}
+
+Result<void> X11DisplayFilter::leaveOutOwnWindows(bool composited, const SharedSegment& segment) const {
+    ServerPixmap pixmap(connection, sizeOf(monitor.rect));
+    const WindowComposer::Scene scene{monitor.rect, windows.visible(monitor.rect), composited};
+    if (composited) {
         std::vector<TopLevelWindow> ours = scene.windows;
         std::erase_if(ours, [](const TopLevelWindow& window) { return !window.own; });
         if (const auto lowered = veil->lower(ours, windows.ownClients())) {
@@ -159,10 +153,8 @@ Result<CapturedImage> X11DisplayFilter::captureOnce(const std::shared_ptr<X11Con
     const auto expected = static_cast<std::int64_t>(monitor.rect.width()) * monitor.rect.height() * 4;
     if (xcb_get_image_data_length(reply->get()) < expected)
         return tl::unexpected(windowSystemError(WindowSystemFault::shortReply));
-    std::shared_ptr<X11FrozenPicture> frozen;
-    if (pixmap) {
-        pixmap->dim();
+    std::shared_ptr<FrozenPicture> frozen;
+    if (pixmap)
         frozen = std::make_shared<X11FrozenPicture>(connection, pixmap);
-    }
     return capturedImage(wrapped(std::move(*reply), sizeOf(monitor.rect)), size, std::move(frozen));
 }

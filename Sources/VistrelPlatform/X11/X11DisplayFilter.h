@@ -3,13 +3,13 @@
 #include "VistrelPlatform/ScreenCapturer.h"
 #include "VistrelPlatform/X11/OwnWindowVeil.h"
 #include "VistrelPlatform/X11/ResourcePool.h"
-#include "VistrelPlatform/X11/ServerPixmap.h"
+#include "VistrelPlatform/X11/SharedSegment.h"
 #include "VistrelPlatform/X11/TopLevelWindows.h"
 #include "VistrelPlatform/X11/WindowComposer.h"
 #include "VistrelPlatform/X11/X11Monitors.h"
 
-/// One display's shared memory and server pixmap, touched once so that the capture itself waits for no
-/// page. Any one thread at a time.
+/// One display's shared memory, touched once so that the capture itself waits for no page. Any one thread at
+/// a time.
 class X11DisplayFilter : public DisplayFilter {
 public:
     /// This program's windows and the veil over them are shared by all displays; absent on a server where
@@ -34,12 +34,12 @@ private:
     using Segment = std::shared_ptr<SharedSegment>;
 
     Result<Segment> lendSegment();
-    std::shared_ptr<ServerPixmap> lendPixmap();
     xcb_shm_get_image_cookie_t requestPixels(xcb_drawable_t source, QPoint origin,
                                              const SharedSegment& segment) const;
     Result<void> receivePixels(xcb_shm_get_image_cookie_t cookie) const;
-    /// The picture without our windows, in the pixmap and the segment.
-    Result<void> leaveOutOwnWindows(ServerPixmap& pixmap, const SharedSegment& segment) const;
+    /// The picture without our windows, in the segment.
+    Result<void> leaveOutOwnWindows(bool composited, const SharedSegment& segment) const;
+    std::shared_ptr<FrozenPicture> frozen(const Segment& segment, TopLevelWindows::Glance glance) const;
 
     std::shared_ptr<X11Connection> connection;
     X11Monitor monitor;
@@ -47,5 +47,4 @@ private:
     TopLevelWindows windows;
     WindowComposer composer;
     ResourcePool<SharedSegment> segments;
-    ResourcePool<ServerPixmap> pixmaps;
 };

@@ -103,7 +103,6 @@ void X11OverlayWindows::prepare(QWidget& window, const Screen& screen) {
     const std::uint32_t mask = ownEventMask(connection, id) | XCB_EVENT_MASK_VISIBILITY_CHANGE;
     xcb_change_window_attributes(connection, id, XCB_CW_EVENT_MASK, &mask);
     refuseShadow(connection, id);
-    setBackground(id, overlay);
     forceGeometry(id, overlay);
     xcb_flush(connection);
 }
@@ -120,34 +119,30 @@ void X11OverlayWindows::forceGeometry(xcb_window_t id, const Overlay& overlay) c
                          values);
 }
 
-void X11OverlayWindows::setBackground(xcb_window_t id, const Overlay& overlay) const {
-    // A picture of another size would be tiled.
-    const bool fits = overlay.frozen && overlay.frozen->size() == PixelSize{overlay.nativeRect.width(),
-                                                                            overlay.nativeRect.height()};
-    if (fits) {
-        const xcb_pixmap_t pixmap = overlay.frozen->awaitPixmap();
-        xcb_change_window_attributes(connection, id, XCB_CW_BACK_PIXMAP, &pixmap);
-    } else {
-        xcb_change_window_attributes(connection, id, XCB_CW_BACK_PIXEL, &plainBackground);
-    }
-}
-
 void X11OverlayWindows::setFrozenPicture(QWidget& window, std::shared_ptr<FrozenPicture> picture) {
     const auto found = overlays.find(&window);
     if (found == overlays.end())
         return;
-    auto& [widget, overlay] = *found;
-    const auto previous =
-        std::exchange(overlay.frozen, std::dynamic_pointer_cast<X11FrozenPicture>(std::move(picture)));
-    setBackground(idOf(window), overlay);
-    // The previous pixmap may be drawn into again as soon as it is let go.
-    xcb_flush(connection);
+    Overlay& overlay = found->second;
+    const PixelSize size{overlay.nativeRect.width(), overlay.nativeRect.height()};
+    overlay.frozen = std::dynamic_pointer_cast<X11FrozenPicture>(std::move(picture));
+    if (overlay.frozen && overlay.frozen->size() != size)
+        overlay.frozen.reset();
+    // Without a background the window begins with what the screen shows.
+    const std::uint32_t none = XCB_BACK_PIXMAP_NONE;
+    const bool isPlain = !overlay.frozen;
+    xcb_change_window_attributes(connection, idOf(window), isPlain ? XCB_CW_BACK_PIXEL : XCB_CW_BACK_PIXMAP,
+                                 isPlain ? &plainBackground : &none);
 }
 
 void X11OverlayWindows::show(const std::vector<QWidget*>& windows) {
     // Mapped before the toolkit does the same, which takes its time: the pictures are there already.
     for (QWidget* window : windows)
         map(*window);
+    // Only then, as displays may overlap.
+    for (QWidget* window : windows)
+        if (const auto frozen = std::exchange(overlays.at(window).frozen, nullptr))
+            frozen->drawOn(connection, idOf(*window));
     xcb_flush(connection);
     watchOtherWindows();
     for (QWidget* window : windows) {

@@ -2,7 +2,7 @@
 
 #include "VistrelPlatform/OverlayWindows.h"
 #include "VistrelPlatform/X11/OverlayStacking.h"
-#include "VistrelPlatform/X11/ServerPixmap.h"
+#include "VistrelPlatform/X11/X11FrozenPicture.h"
 
 #include <QAbstractNativeEventFilter>
 #include <QObject>
@@ -12,7 +12,7 @@
 #include <memory>
 
 /// Overlays as override-redirect windows, the only kind that covers panels on every monitor at once under
-/// every window manager. Their first frame is a server-side background. Main thread.
+/// every window manager. The server itself draws their first frame. Main thread.
 class X11OverlayWindows : public QObject, public OverlayWindows, private QAbstractNativeEventFilter {
 public:
     /// Needs the application object on the xcb platform.
@@ -35,6 +35,7 @@ protected:
 private:
     struct Overlay {
         QRect nativeRect;
+        /// Until it was shown once: then the toolkit paints it.
         std::shared_ptr<X11FrozenPicture> frozen;
         OverlayLevel level = OverlayLevel::aboveEverything;
         bool shown = false;
@@ -44,7 +45,6 @@ private:
     void noticeTime(const xcb_generic_event_t& event);
     void map(QWidget& window);
     void forceGeometry(xcb_window_t id, const Overlay& overlay) const;
-    void setBackground(xcb_window_t id, const Overlay& overlay) const;
     void dropBackground(QWidget& window);
     void watchOtherWindows();
     void restoreStacking();

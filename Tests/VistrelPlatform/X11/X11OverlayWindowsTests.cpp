@@ -44,7 +44,7 @@ protected:
         }
     }
 
-    void showFrozen() {
+    void freeze() {
         for (std::size_t index = 0; index < windows.size(); ++index) {
             const QRect rect = screens[index].nativeRect;
             const auto filter = capturer.prepare(screens[index].displayID.value_or(0));
@@ -52,8 +52,13 @@ protected:
             const auto captured = (*filter)->capture({rect.width(), rect.height()});
             ASSERT_TRUE(captured);
             overlays.setFrozenPicture(*windows[index], captured->frozen);
+            pictures.push_back(captured->presentation);
         }
-        overlays.show({windows[0].get(), windows[1].get()});
+    }
+    void show() { overlays.show({windows[0].get(), windows[1].get()}); }
+    void showFrozen() {
+        freeze();
+        show();
     }
     xcb_window_t id(std::size_t index) { return windowID(*windows[index]); }
     bool isAbove(xcb_window_t upper, xcb_window_t lower) {
@@ -76,6 +81,7 @@ protected:
     X11OverlayWindows overlays;
     std::vector<Screen> screens;
     std::vector<std::unique_ptr<TestOverlay>> windows;
+    std::vector<QImage> pictures;
 };
 
 } // namespace
@@ -107,6 +113,18 @@ TEST_F(X11OverlayWindowsTest, TheFirstFrameIsTheDimmedPictureOnExactlyTheDisplay
     overlays.setFrozenPicture(*windows[0], nullptr);
     overlays.show({windows[0].get()});
     EXPECT_EQ(client.pixelAt({500, 300}), 0xFF4D4D4DU) << "plain without a picture";
+}
+
+TEST_F(X11OverlayWindowsTest, WhereTheScreenIsNotTheRootsPictureTheFirstFrameComesFromMemory) {
+    const xcb_window_t compositor = client.createWindow({.rect = {0, 0, 1, 1}});
+    xcb_set_selection_owner(client.connection(), compositor, client.atom("_NET_WM_CM_S0"), XCB_CURRENT_TIME);
+    client.synchronize();
+    freeze();
+    client.setRootPicture(noise(testScreenSize, 6));
+    show();
+    EXPECT_EQ(client.pixels(left), hazed(background.copy(left)));
+    EXPECT_EQ(client.pixels(right), hazed(background.copy(right)));
+    client.destroy(compositor);
 }
 
 TEST_F(X11OverlayWindowsTest, StaysAboveWindowsThatComeLaterUnlessTheyCoverAll) {
