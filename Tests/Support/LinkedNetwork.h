@@ -7,6 +7,3 @@ inline Result<NetworkServices*> linkedNetwork() {
     static QtNetworkServices services;
     return &services;
 }
-inline Result<NetworkServices*> missingNetwork() {
-    return tl::unexpected(Error{ErrorDomain::system, 0, QStringLiteral("missing")});
-}

@@ -45,11 +45,7 @@ protected:
 } // namespace
 
 TEST_F(LoginItemTest, EveryDesktopsWayToSwitchItOffIsRead) {
-    const struct {
-        const char* name;
-        const char* lines;
-        Status status;
-    } rows[] = {
+    const std::tuple<const char*, const char*, Status> rows[] = {
         {"plain", "", Status::enabled},
         {"hidden", "Hidden=true\n", Status::requiresApproval},
         {"switchedOff", "X-GNOME-Autostart-enabled=false\n", Status::requiresApproval},
@@ -59,10 +55,10 @@ TEST_F(LoginItemTest, EveryDesktopsWayToSwitchItOffIsRead) {
         {"notForThisDesktop", "NotShowIn=GNOME;\n", Status::requiresApproval},
         {"notForAnother", "NotShowIn=KDE;\nHidden=false\n", Status::enabled},
     };
-    for (const auto& row : rows) {
-        writeFile(entry, "[Desktop Entry]\nType=Application\nName=Vistrel\nExec=" + program.toUtf8() + '\n' +
-                             row.lines);
-        EXPECT_EQ(item.status(), row.status) << row.name;
+    for (const auto& [name, lines, status] : rows) {
+        writeFile(entry,
+                  "[Desktop Entry]\nType=Application\nName=Vistrel\nExec=" + program.toUtf8() + '\n' + lines);
+        EXPECT_EQ(item.status(), status) << name;
     }
     ASSERT_TRUE(item.withdraw());
     EXPECT_EQ(item.status(), Status::notRegistered);

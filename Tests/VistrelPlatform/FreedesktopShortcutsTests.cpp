@@ -118,12 +118,6 @@ TEST(ShortcutNotation, ReadsCombinedKeys) {
     EXPECT_FALSE(read(Qt::Key_MonBrightnessUp));
 }
 
-TEST(DesktopName, IsFoundInTheList) {
-    EXPECT_EQ(desktopNamed({u"Pop"_s, u"GNOME"_s}), Desktop::gnome);
-    EXPECT_EQ(desktopNamed({u"X-Cinnamon"_s}), Desktop::cinnamon);
-    EXPECT_EQ(desktopNamed({u"i3"_s}), Desktop::unknown);
-}
-
 TEST_F(SystemShortcutsTests, AddedOnesAreFoundThroughTheDesktopsList) {
     ASSERT_TRUE(settingsInMemory);
     constexpr const char* mediaKeys = "org.gnome.settings-daemon.plugins.media-keys";

@@ -1,5 +1,4 @@
 #include "Support/TestFiles.h"
-#include "VistrelPlatform/DesktopLibrary.h"
 #include "VistrelPlatform/NetworkServices.h"
 #include "VistrelPlatform/System/LoadableModule.h"
 
@@ -15,31 +14,13 @@ const QString builtNetwork = QStringLiteral(VISTREL_MODULE_FOLDER "/network.so")
 
 } // namespace
 
-TEST(LoadableModule, whatWasBuiltLoadsAndWorks) {
-    LoadableModule network(u"network"_s, QStringLiteral(VISTREL_MODULE_FOLDER));
-    const auto services = network.get<NetworkServices>();
-    ASSERT_TRUE(services) << services.error().description.toStdString();
-    EXPECT_FALSE((*services)->isSigned("content", "signature", QByteArray(32, 'k')));
-    EXPECT_NE((*services)->makeTransfer(), nullptr);
-    EXPECT_EQ(*network.get<NetworkServices>(), *services);
-
-    LoadableModule desktop(u"desktop"_s, QStringLiteral(VISTREL_MODULE_FOLDER));
-    const auto library = desktop.get<DesktopLibrary>();
-    ASSERT_TRUE(library) << library.error().description.toStdString();
-    EXPECT_EQ((*library)->activation(u"no.such.desktop"_s), std::nullopt);
-}
-
 TEST(LoadableModule, whatIsNotTheProgramsOwnIsAnErrorThatNamesTheFile) {
     const QTemporaryDir folder;
     const QString path = folder.filePath(u"part.so"_s);
     const QByteArray whole = readFile(builtNetwork);
     QByteArray otherVersion = whole;
     otherVersion.replace("vistrelModule", "anotherModule");
-    const struct {
-        const char* name;
-        std::optional<QByteArray> content;
-        const char* reason;
-    } rows[] = {
+    const std::tuple<const char*, std::optional<QByteArray>, const char*> rows[] = {
         {"missing", std::nullopt, "no such file"},
         {"empty", QByteArray(), "damaged"},
         {"text", QByteArray(5000, 'x'), "damaged"},
@@ -48,16 +29,16 @@ TEST(LoadableModule, whatIsNotTheProgramsOwnIsAnErrorThatNamesTheFile) {
         {"bentHeader", whole.left(4) + QByteArray(12, 'x') + whole.mid(16), "ELF"},
         {"anotherLibrary", otherVersion, "another version"},
     };
-    for (const auto& row : rows) {
+    for (const auto& [name, content, reason] : rows) {
         QFile::remove(path);
-        if (row.content)
-            writeFile(path, *row.content);
+        if (content)
+            writeFile(path, *content);
         LoadableModule module(u"part"_s, folder.path());
         const auto services = module.get<NetworkServices>();
-        ASSERT_FALSE(services) << row.name;
+        ASSERT_FALSE(services) << name;
         const std::string description = services.error().description.toStdString();
         EXPECT_NE(description.find(path.toStdString()), std::string::npos) << description;
-        EXPECT_NE(description.find(row.reason), std::string::npos) << row.name << ": " << description;
+        EXPECT_NE(description.find(reason), std::string::npos) << name << ": " << description;
     }
     // One that was missing may come back.
     QFile::remove(path);

@@ -1,6 +1,5 @@
 #include "Support/TestFiles.h"
 #include "VistrelPlatform/System/MachineFacts.h"
-#include "VistrelPlatform/System/UuidText.h"
 
 #include <QTemporaryDir>
 
@@ -54,16 +53,4 @@ TEST(MachineFacts, productNames) {
         writeFile(path, row.text);
         EXPECT_EQ(utf8(MachineFacts::productNameIn(path)), row.expected) << row.name;
     }
-}
-
-TEST(UuidText, onlyTheCanonicalTextIsAnIdentifier) {
-    const QString lower = QStringLiteral("0e984725-c51c-4bf4-9960-e1c80e27aba0");
-    const std::optional<QUuid> uuid = UuidText::parse(lower);
-    ASSERT_TRUE(uuid);
-    EXPECT_EQ(UuidText::upperCase(*uuid), lower.toUpper());
-    EXPECT_EQ(UuidText::parse(lower.toUpper()), uuid);
-    EXPECT_TRUE(UuidText::parse(QStringLiteral("00000000-0000-0000-0000-000000000000")));
-    for (const QString& text : {QString(), QStringLiteral("{%1}").arg(lower), lower.left(35), lower + u'0',
-                                lower + u' ', QString(lower).replace(u'-', u'_')})
-        EXPECT_FALSE(UuidText::parse(text)) << text.toStdString();
 }

@@ -7,19 +7,15 @@
 #include <thread>
 
 TEST(PixelBuffer, planesHaveAlignedRows) {
-    const struct {
-        std::int64_t width;
-        std::int64_t height;
-        std::size_t rowBytes;
-        std::int64_t chromaRows;
-    } rows[] = {{1920, 1080, 1920, 540}, {3024, 1964, 3072, 982}, {65, 3, 128, 2}, {1, 1, 64, 1}};
-    for (const auto& row : rows) {
-        const auto buffer = PixelBuffer::biPlanar(row.width, row.height);
+    const std::tuple<int, int, std::size_t, int> rows[] = {
+        {1920, 1080, 1920, 540}, {3024, 1964, 3072, 982}, {65, 3, 128, 2}, {1, 1, 64, 1}};
+    for (const auto& [width, height, rowBytes, chromaRows] : rows) {
+        const auto buffer = PixelBuffer::biPlanar(width, height);
         ASSERT_TRUE(buffer && buffer->planes().size() == 2);
-        EXPECT_EQ(buffer->planes()[0].rows, row.height);
-        EXPECT_EQ(buffer->planes()[1].rows, row.chromaRows);
+        EXPECT_EQ(buffer->planes()[0].rows, height);
+        EXPECT_EQ(buffer->planes()[1].rows, chromaRows);
         for (const PixelBuffer::Plane& plane : buffer->planes()) {
-            EXPECT_EQ(plane.bytesPerRow, row.rowBytes);
+            EXPECT_EQ(plane.bytesPerRow, rowBytes);
             EXPECT_EQ(reinterpret_cast<std::uintptr_t>(plane.bytes) % PixelBuffer::rowAlignment, 0U);
             std::memset(plane.row(plane.rows - 1).data(), 1, plane.bytesPerRow);
         }

@@ -56,11 +56,7 @@ TEST(UpdateVersion, comparesNumberByNumber) {
 }
 
 TEST(Appcast, keepsWhatCouldBeInstalledHere) {
-    const struct {
-        const char* name;
-        QByteArray items;
-        const char* versions;
-    } rows[] = {
+    const std::tuple<const char*, QByteArray, const char*> rows[] = {
         {"several", item(enclosure("1.0")) + item(enclosure("1.1")), "1.0 1.1"},
         {"versionAsElement",
          item(enclosure("9").replace("sparkle:version=\"9\"", ""),
@@ -82,13 +78,13 @@ TEST(Appcast, keepsWhatCouldBeInstalledHere) {
         {"strangeMinimum", item(enclosure("1.0", "sparkle:minimumSystemVersion=\"new\"")), ""},
         {"attributeOfNoPrefix", changed("sparkle:version", "version"), ""},
     };
-    for (const auto& row : rows) {
-        const auto items = Appcast::parse(feed(row.items));
-        ASSERT_TRUE(items) << row.name << items.error().description.toStdString();
+    for (const auto& [name, text, expected] : rows) {
+        const auto items = Appcast::parse(feed(text));
+        ASSERT_TRUE(items) << name << items.error().description.toStdString();
         QStringList versions;
         for (const AppcastItem& each : *items)
             versions << each.version.text();
-        EXPECT_EQ(versions.join(u' ').toStdString(), row.versions) << row.name;
+        EXPECT_EQ(versions.join(u' ').toStdString(), expected) << name;
     }
 }
 
@@ -144,20 +140,13 @@ TEST(Appcast, theBestIsTheHighestThatFits) {
                                            item(enclosure("2.0", "sparkle:minimumSystemVersion=\"13\"")) +
                                            item(enclosure("1.2"))));
     ASSERT_TRUE(items);
-    const struct {
-        const char* name;
-        const char* current;
-        const char* system;
-        const char* skipped;
-        const char* expected;
-    } rows[] = {
+    const std::tuple<const char*, const char*, const char*, const char*, const char*> rows[] = {
         {"highest", "1.0", "13.0", "", "2.0"},   {"systemTooOld", "1.0", "12.9", "", "1.10"},
         {"systemUnknown", "1.0", "", "", "2.0"}, {"skipped", "1.0", "12", "1.10.0", "1.9"},
         {"same", "1.10", "12", "", ""},          {"newerAlready", "3", "13", "", ""},
     };
-    for (const auto& row : rows) {
-        const auto best =
-            Appcast::best(*items, {*version(row.current), version(row.system), version(row.skipped)});
-        EXPECT_EQ(best ? best->version.text().toStdString() : "", row.expected) << row.name;
+    for (const auto& [name, current, system, skipped, expected] : rows) {
+        const auto best = Appcast::best(*items, {*version(current), version(system), version(skipped)});
+        EXPECT_EQ(best ? best->version.text().toStdString() : "", expected) << name;
     }
 }

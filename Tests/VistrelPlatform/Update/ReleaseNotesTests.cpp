@@ -3,11 +3,7 @@
 #include <gtest/gtest.h>
 
 TEST(ReleaseNotes, keepTextAndDropWhatLoadsOrRuns) {
-    const struct {
-        const char* name;
-        const char* notes;
-        const char* html;
-    } rows[] = {
+    const std::tuple<const char*, const char*, const char*> rows[] = {
         {"ordinary", "<h2>New</h2><ul><li>One &amp; <b>two</b></li></ul>",
          "<h2>New</h2><ul><li>One &amp; <b>two</b></li></ul>"},
         {"attributesGo", "<p style=\"x\" onclick='y'>a</p>", "<p>a</p>"},
@@ -28,8 +24,8 @@ TEST(ReleaseNotes, keepTextAndDropWhatLoadsOrRuns) {
         {"unfinishedTag", "a<img src=\"x", "a&lt;img src=\"x"},
         {"nestedTag", "<<b>script>alert()<</b>/script>", "&lt;<b>script&gt;alert()&lt;</b>/script&gt;"},
     };
-    for (const auto& row : rows)
-        EXPECT_EQ(ReleaseNotes::html(QString::fromUtf8(row.notes), true).toStdString(), row.html) << row.name;
+    for (const auto& [name, notes, html] : rows)
+        EXPECT_EQ(ReleaseNotes::html(QString::fromUtf8(notes), true).toStdString(), html) << name;
     const QString deep = QStringLiteral("<ul>").repeated(5000);
     EXPECT_EQ(ReleaseNotes::html(deep, true).count(QStringLiteral("<ul>")), 16);
     EXPECT_EQ(ReleaseNotes::html(QStringLiteral("\n- a <b>\n- c\n"), false),
