@@ -46,6 +46,7 @@ TEST_F(JournalStoreTests, onlyLinesOfOursWithinAWeekAreReadAndKept) {
         {"unknownAction", line(good, "1.0", "{}", "screenshot"), false},
         {"dateThatNeverWas", line("2026-02-30T11:00:00Z"), false},
         {"launchNoIdentifier", line(good).replace("0E984725", "0E98472"), false},
+        {"launchInBraces", line(good).replace("\"0E98", "\"{0E98").replace("ABA0\"", "ABA0}\""), false},
         {"cutOff", line(good).left(60) + '\n', false},
         {"notUTF8", line(good, "\xff\xfe"), false},
         {"nested", QByteArray(5000, '[') + '\n', false},
