@@ -14,14 +14,15 @@ TopLevelWindows::Client clientOf(xcb_connection_t* connection) {
 
 } // namespace
 
-OverlayStacking::OverlayStacking(xcb_connection_t* toolkitOfOverlay)
-    : toolkit(toolkitOfOverlay),
-      connection(std::make_shared<X11Connection>(QByteArray())),
-      windows(connection, clientOf(toolkit)) {}
+OverlayStacking::OverlayStacking(xcb_connection_t* toolkitOfOverlay) : toolkit(toolkitOfOverlay) {}
 
 void OverlayStacking::restore(xcb_window_t overlay, QRect rect) {
+    if (!windows) {
+        connection = std::make_shared<X11Connection>(QByteArray());
+        windows.emplace(connection, clientOf(toolkit));
+    }
     connection->discardEvents();
-    const std::vector<TopLevelWindow> all = windows.visible(rect);
+    const std::vector<TopLevelWindow> all = windows->visible(rect);
     const auto self = std::ranges::find(all, overlay, &TopLevelWindow::id);
     const auto covering = [&](const TopLevelWindow& window) {
         return !window.own && !window.rect.contains(rect);

@@ -3,7 +3,7 @@
 #include "VistrelPlatform/X11/TopLevelWindows.h"
 
 #include <chrono>
-#include <memory>
+#include <optional>
 #include <vector>
 
 /// Keeps an overlay above other programs' windows without burying our own popups and dialogs over it.
@@ -20,8 +20,9 @@ private:
     bool mayRaise();
 
     xcb_connection_t* toolkit;
+    /// Made when it is first needed: the start of the program would wait for it.
     std::shared_ptr<X11Connection> connection;
-    TopLevelWindows windows;
+    std::optional<TopLevelWindows> windows;
     /// When raises happened lately: two programs that both insist must not go on for ever.
     std::vector<std::chrono::steady_clock::time_point> raises;
 };

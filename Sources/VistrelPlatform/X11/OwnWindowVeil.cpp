@@ -17,8 +17,7 @@ constexpr int sampleCount = 6;
 
 } // namespace
 
-OwnWindowVeil::OwnWindowVeil(std::shared_ptr<X11Connection> server)
-    : connection(std::move(server)), opacityAtom(internAtom(connection->get(), "_NET_WM_WINDOW_OPACITY")) {}
+OwnWindowVeil::OwnWindowVeil(std::shared_ptr<X11Connection> server) : connection(std::move(server)) {}
 
 OwnWindowVeil::Lowered::Lowered(OwnWindowVeil& owner, std::vector<xcb_window_t> transparent)
     : veil(owner), windows(std::move(transparent)) {
@@ -42,10 +41,10 @@ OwnWindowVeil::Lowered::~Lowered() {
 void OwnWindowVeil::setTransparent(xcb_window_t window, bool transparent) const {
     const std::uint32_t opacity = 0;
     if (transparent)
-        xcb_change_property(connection->get(), XCB_PROP_MODE_REPLACE, window, opacityAtom, XCB_ATOM_CARDINAL,
-                            32, 1, &opacity);
+        xcb_change_property(connection->get(), XCB_PROP_MODE_REPLACE, window, connection->atoms().opacity,
+                            XCB_ATOM_CARDINAL, 32, 1, &opacity);
     else
-        xcb_delete_property(connection->get(), window, opacityAtom);
+        xcb_delete_property(connection->get(), window, connection->atoms().opacity);
 }
 
 std::vector<std::uint32_t> OwnWindowVeil::samples(const std::vector<TopLevelWindow>& shown) const {

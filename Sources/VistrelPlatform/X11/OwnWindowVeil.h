@@ -36,7 +36,6 @@ private:
     std::vector<std::uint32_t> samples(const std::vector<TopLevelWindow>& shown) const;
 
     std::shared_ptr<X11Connection> connection;
-    xcb_atom_t opacityAtom;
     std::mutex mutex;
     /// Captures of several displays may need the same window gone at once.
     std::map<xcb_window_t, int> holders;

@@ -19,18 +19,14 @@ std::span<const std::uint32_t> values(const xcb_get_property_reply_t* reply) {
 } // namespace
 
 TopLevelWindows::TopLevelWindows(std::shared_ptr<X11Connection> server, std::optional<Client> ownClient)
-    : connection(std::move(server)),
-      own(ownClient),
-      clientListAtom(internAtom(connection->get(), "_NET_CLIENT_LIST")),
-      stateAtom(internAtom(connection->get(), "_NET_WM_STATE")),
-      hiddenAtom(internAtom(connection->get(), "_NET_WM_STATE_HIDDEN")),
-      compositorAtom(internAtom(connection->get(), "_NET_WM_CM_S0")) {}
+    : connection(std::move(server)), own(ownClient) {}
 
 TopLevelWindows::Request TopLevelWindows::request() const {
     xcb_connection_t* xcb = connection->get();
     return {xcb_query_tree(xcb, connection->root()),
-            xcb_get_property(xcb, 0, connection->root(), clientListAtom, XCB_ATOM_WINDOW, 0, 4096),
-            xcb_get_selection_owner(xcb, compositorAtom)};
+            xcb_get_property(xcb, 0, connection->root(), connection->atoms().clientList, XCB_ATOM_WINDOW, 0,
+                             4096),
+            xcb_get_selection_owner(xcb, connection->atoms().compositor)};
 }
 
 TopLevelWindows::Tree TopLevelWindows::receive(const Request& request) const {
@@ -117,11 +113,11 @@ std::vector<xcb_window_t> TopLevelWindows::minimised(const std::vector<xcb_windo
     std::vector<xcb_get_property_cookie_t> asked;
     asked.reserve(clients.size());
     for (const xcb_window_t client : clients)
-        asked.push_back(xcb_get_property(xcb, 0, client, stateAtom, XCB_ATOM_ATOM, 0, 64));
+        asked.push_back(xcb_get_property(xcb, 0, client, connection->atoms().state, XCB_ATOM_ATOM, 0, 64));
     std::vector<xcb_window_t> result;
     for (std::size_t index = 0; index < clients.size(); ++index) {
         const auto reply = xcbReply<xcb_get_property_reply>(xcb, asked[index]);
-        if (std::ranges::find(values(reply.get()), hiddenAtom) != values(reply.get()).end())
+        if (std::ranges::find(values(reply.get()), connection->atoms().hidden) != values(reply.get()).end())
             result.push_back(clients[index]);
     }
     return result;

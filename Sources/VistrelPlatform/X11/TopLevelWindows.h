@@ -67,8 +67,4 @@ private:
 
     std::shared_ptr<X11Connection> connection;
     std::optional<Client> own;
-    xcb_atom_t clientListAtom;
-    xcb_atom_t stateAtom;
-    xcb_atom_t hiddenAtom;
-    xcb_atom_t compositorAtom;
 };

@@ -5,8 +5,7 @@
 
 #include <algorithm>
 
-WindowComposer::WindowComposer(std::shared_ptr<X11Connection> server)
-    : connection(std::move(server)), rootPictureAtom(internAtom(connection->get(), "_XROOTPMAP_ID")) {}
+WindowComposer::WindowComposer(std::shared_ptr<X11Connection> server) : connection(std::move(server)) {}
 
 void WindowComposer::compose(ServerPixmap& target, const Scene& scene) const {
     xcb_connection_t* xcb = connection->get();
@@ -70,7 +69,8 @@ void WindowComposer::paintBackground(const ServerPixmap& target, const Scene& sc
     const xcb_render_color_t black{0, 0, 0, 0xFFFF};
     xcb_render_fill_rectangles(xcb, XCB_RENDER_PICT_OP_SRC, target.picture(), black, 1, &rectangle);
     const auto announced = xcbReply<xcb_get_property_reply>(
-        xcb, xcb_get_property(xcb, 0, connection->root(), rootPictureAtom, XCB_ATOM_PIXMAP, 0, 1));
+        xcb,
+        xcb_get_property(xcb, 0, connection->root(), connection->atoms().rootPicture, XCB_ATOM_PIXMAP, 0, 1));
     if (announced && announced->format == 32 && announced->value_len == 1) {
         const auto pixmap = *static_cast<const xcb_pixmap_t*>(xcb_get_property_value(announced.get()));
         paintPixmap(target, pixmap, connection->pictureFormat(connection->visual()), covered.topLeft(), into);

@@ -34,5 +34,4 @@ private:
                      QPoint sourceOrigin, QRect into) const;
 
     std::shared_ptr<X11Connection> connection;
-    xcb_atom_t rootPictureAtom;
 };

@@ -24,8 +24,7 @@ bool isTrayIcon(const QWindow& window) {
 
 } // namespace
 
-WindowRedirection::WindowRedirection(std::shared_ptr<X11Connection> server)
-    : connection(std::move(server)), compositorAtom(internAtom(connection->get(), "_NET_WM_CM_S0")) {
+WindowRedirection::WindowRedirection(std::shared_ptr<X11Connection> server) : connection(std::move(server)) {
     lingering.setSingleShot(true);
     lingering.setInterval(lingerMS);
     connect(&lingering, &QTimer::timeout, this, &WindowRedirection::end);
@@ -74,7 +73,7 @@ void WindowRedirection::end() {
 
 bool WindowRedirection::compositorRuns() const {
     const auto owner = xcbReply<xcb_get_selection_owner_reply>(
-        connection->get(), xcb_get_selection_owner(connection->get(), compositorAtom));
+        connection->get(), xcb_get_selection_owner(connection->get(), connection->atoms().compositor));
     return owner && owner->owner != XCB_NONE;
 }
 

@@ -32,7 +32,6 @@ private:
     static bool anyWindowShown(const QWindow* except);
 
     std::shared_ptr<X11Connection> connection;
-    xcb_atom_t compositorAtom;
     bool active = false;
     QTimer lingering;
 };

@@ -5,6 +5,10 @@
 #include <xcb/shm.h>
 #include <xcb/xfixes.h>
 
+#include <optional>
+#include <string_view>
+#include <vector>
+
 namespace {
 
 bool isPresent(xcb_connection_t* connection, xcb_extension_t* extension) {
@@ -34,14 +38,25 @@ int bitsPerPixel(const xcb_setup_t* setup, std::uint8_t depth) {
 
 } // namespace
 
+/// Everything there is to ask, sent before the first answer is awaited: each wait for the server delays the
+/// start of the program.
+struct X11Connection::Questions {
+    std::optional<xcb_shm_query_version_cookie_t> sharedMemory;
+    std::optional<xcb_render_query_version_cookie_t> render;
+    xcb_render_query_pict_formats_cookie_t pictureFormats{};
+    std::optional<xcb_composite_query_version_cookie_t> composite;
+    xcb_xfixes_query_version_cookie_t fixes{};
+    std::optional<xcb_randr_query_version_cookie_t> monitors;
+    xcb_query_extension_cookie_t wayland{};
+    std::vector<std::pair<xcb_atom_t Atoms::*, xcb_intern_atom_cookie_t>> atoms;
+};
+
 X11Connection::X11Connection(const QByteArray& displayName)
     : xcb(xcb_connect(displayName.isEmpty() ? nullptr : displayName.constData(), nullptr)) {
     if (!isAlive())
         return;
     readScreen();
-    readExtensions();
-    if (available.render)
-        readPictureFormats();
+    receive(ask());
 }
 
 X11Connection::~X11Connection() {
@@ -62,37 +77,64 @@ void X11Connection::readScreen() {
                   setup->image_byte_order == localOrder;
 }
 
-void X11Connection::readExtensions() {
+X11Connection::Questions X11Connection::ask() const {
+    Questions questions;
+    constexpr std::string_view wayland = "XWAYLAND";
+    questions.wayland = xcb_query_extension(xcb, static_cast<std::uint16_t>(wayland.size()), wayland.data());
+    const std::pair<xcb_atom_t Atoms::*, std::string_view> names[] = {
+        {&Atoms::clientList, "_NET_CLIENT_LIST"}, {&Atoms::state, "_NET_WM_STATE"},
+        {&Atoms::hidden, "_NET_WM_STATE_HIDDEN"}, {&Atoms::opacity, "_NET_WM_WINDOW_OPACITY"},
+        {&Atoms::compositor, "_NET_WM_CM_S0"},    {&Atoms::rootPicture, "_XROOTPMAP_ID"}};
+    for (const auto& [atom, name] : names)
+        questions.atoms.emplace_back(
+            atom, xcb_intern_atom(xcb, 0, static_cast<std::uint16_t>(name.size()), name.data()));
     for (xcb_extension_t* extension :
          {&xcb_shm_id, &xcb_render_id, &xcb_composite_id, &xcb_xfixes_id, &xcb_randr_id})
         xcb_prefetch_extension_data(xcb, extension);
-    if (isPresent(xcb, &xcb_shm_id)) {
-        const auto version = xcbReply<xcb_shm_query_version_reply>(xcb, xcb_shm_query_version(xcb));
+    if (isPresent(xcb, &xcb_shm_id))
+        questions.sharedMemory = xcb_shm_query_version(xcb);
+    if (isPresent(xcb, &xcb_render_id)) {
+        questions.render = xcb_render_query_version(xcb, 0, 11);
+        questions.pictureFormats = xcb_render_query_pict_formats(xcb);
+    }
+    if (isPresent(xcb, &xcb_composite_id) && isPresent(xcb, &xcb_xfixes_id)) {
+        questions.composite = xcb_composite_query_version(xcb, 0, 4);
+        questions.fixes = xcb_xfixes_query_version(xcb, 5, 0);
+    }
+    if (isPresent(xcb, &xcb_randr_id))
+        questions.monitors = xcb_randr_query_version(xcb, 1, 5);
+    return questions;
+}
+
+void X11Connection::receive(const Questions& questions) {
+    for (const auto& [atom, cookie] : questions.atoms)
+        if (const auto reply = xcbReply<xcb_intern_atom_reply>(xcb, cookie))
+            knownAtoms.*atom = reply->atom;
+    const auto wayland = xcbReply<xcb_query_extension_reply>(xcb, questions.wayland);
+    available.wayland = wayland && wayland->present;
+    if (questions.sharedMemory) {
+        const auto version = xcbReply<xcb_shm_query_version_reply>(xcb, *questions.sharedMemory);
         available.sharedMemory = version && isAtLeast(version->major_version, version->minor_version, 1, 2);
     }
-    if (isPresent(xcb, &xcb_render_id))
-        available.render =
-            xcbReply<xcb_render_query_version_reply>(xcb, xcb_render_query_version(xcb, 0, 11)) != nullptr;
-    if (isPresent(xcb, &xcb_composite_id) && isPresent(xcb, &xcb_xfixes_id)) {
-        const auto composite =
-            xcbReply<xcb_composite_query_version_reply>(xcb, xcb_composite_query_version(xcb, 0, 4));
-        const auto fixes = xcbReply<xcb_xfixes_query_version_reply>(xcb, xcb_xfixes_query_version(xcb, 5, 0));
+    if (questions.render) {
+        available.render = xcbReply<xcb_render_query_version_reply>(xcb, *questions.render) != nullptr;
+        receivePictureFormats(questions.pictureFormats);
+    }
+    if (questions.composite) {
+        const auto composite = xcbReply<xcb_composite_query_version_reply>(xcb, *questions.composite);
+        const auto fixes = xcbReply<xcb_xfixes_query_version_reply>(xcb, questions.fixes);
         available.composite = composite && fixes &&
                               isAtLeast(composite->major_version, composite->minor_version, 0, 2) &&
                               isAtLeast(fixes->major_version, fixes->minor_version, 2, 0);
     }
-    if (isPresent(xcb, &xcb_randr_id)) {
-        const auto version = xcbReply<xcb_randr_query_version_reply>(xcb, xcb_randr_query_version(xcb, 1, 5));
+    if (questions.monitors) {
+        const auto version = xcbReply<xcb_randr_query_version_reply>(xcb, *questions.monitors);
         available.monitors = version && isAtLeast(version->major_version, version->minor_version, 1, 5);
     }
-    constexpr char waylandName[] = "XWAYLAND";
-    const auto wayland = xcbReply<xcb_query_extension_reply>(
-        xcb, xcb_query_extension(xcb, sizeof waylandName - 1, waylandName));
-    available.wayland = wayland && wayland->present;
 }
 
-void X11Connection::readPictureFormats() {
-    const auto reply = xcbReply<xcb_render_query_pict_formats_reply>(xcb, xcb_render_query_pict_formats(xcb));
+void X11Connection::receivePictureFormats(xcb_render_query_pict_formats_cookie_t cookie) {
+    const auto reply = xcbReply<xcb_render_query_pict_formats_reply>(xcb, cookie);
     if (!reply)
         return;
     for (auto screen = xcb_render_query_pict_formats_screens_iterator(reply.get()); screen.rem;

@@ -30,6 +30,16 @@ public:
         /// A server that itself is a window of a Wayland session and does not hold the screen.
         bool wayland = false;
     };
+    /// XCB_NONE all on a connection that failed.
+    struct Atoms {
+        xcb_atom_t clientList = XCB_NONE;
+        xcb_atom_t state = XCB_NONE;
+        xcb_atom_t hidden = XCB_NONE;
+        xcb_atom_t opacity = XCB_NONE;
+        /// The selection of the compositing manager.
+        xcb_atom_t compositor = XCB_NONE;
+        xcb_atom_t rootPicture = XCB_NONE;
+    };
 
     xcb_connection_t* get() const { return xcb; }
     bool isAlive() const { return xcb_connection_has_error(xcb) == 0; }
@@ -37,6 +47,7 @@ public:
     std::uint8_t depth() const { return rootDepth; }
     xcb_visualid_t visual() const { return rootVisual; }
     const Extensions& extensions() const { return available; }
+    const Atoms& atoms() const { return knownAtoms; }
     /// Whether the root's pixels are those of `QImage::Format_RGB32`.
     bool hasPlainPixels() const { return plainPixels; }
     /// XCB_NONE for a visual that RENDER does not know.
@@ -48,9 +59,12 @@ public:
     void discardEvents() const;
 
 private:
+    struct Questions;
+
     void readScreen();
-    void readExtensions();
-    void readPictureFormats();
+    Questions ask() const;
+    void receive(const Questions& questions);
+    void receivePictureFormats(xcb_render_query_pict_formats_cookie_t cookie);
 
     xcb_connection_t* xcb = nullptr;
     xcb_window_t rootID = XCB_NONE;
@@ -58,5 +72,6 @@ private:
     xcb_visualid_t rootVisual = XCB_NONE;
     bool plainPixels = false;
     Extensions available;
+    Atoms knownAtoms;
     std::map<xcb_visualid_t, xcb_render_pictformat_t> pictureFormats;
 };

@@ -29,17 +29,21 @@ const xcb_query_extension_reply_t* extension(xcb_connection_t* connection, xcb_e
 
 } // namespace
 
-X11HotKeyBackend::X11HotKeyBackend() : connection(toolkitConnection()), serverTime(X11ServerTime::measure()) {
+X11HotKeyBackend::X11HotKeyBackend() : connection(toolkitConnection()) {
     VISTREL_PRECONDITION(connection, "hot keys need the xcb platform");
     root = rootWindow(connection);
-    modifierMap = X11Modifiers::read(connection);
     constexpr char keyboardName[] = "XKEYBOARD";
-    if (const auto keyboard = xcbReply<xcb_query_extension_reply>(
-            connection, xcb_query_extension(connection, sizeof keyboardName - 1, keyboardName));
+    const auto keyboardCookie = xcb_query_extension(connection, sizeof keyboardName - 1, keyboardName);
+    modifierMap = X11Modifiers::read(connection);
+    if (const auto keyboard = xcbReply<xcb_query_extension_reply>(connection, keyboardCookie);
         keyboard && keyboard->present)
         keyboardEvent = keyboard->first_event;
     selectRawEvents();
     readKeysDown();
+    serverTimeSoon.setSingleShot(true);
+    serverTimeSoon.setInterval(0);
+    QObject::connect(&serverTimeSoon, &QTimer::timeout, [this] { serverTime = X11ServerTime::measure(); });
+    serverTimeSoon.start();
     keyboardSettled.setSingleShot(true);
     keyboardSettled.setInterval(0);
     QObject::connect(&keyboardSettled, &QTimer::timeout, [this] { keyboardChanged(); });
@@ -60,19 +64,19 @@ void X11HotKeyBackend::selectRawEvents() {
     const auto* input = extension(connection, &xcb_input_id);
     if (!input)
         return;
-    // Raw events arrive during grabs from version 2.1 on.
-    const auto version = xcbReply<xcb_input_xi_query_version_reply>(
-        connection, xcb_input_xi_query_version(connection, 2, 100));
-    if (!version || version->major_version < 2 || (version->major_version == 2 && version->minor_version < 1))
-        return;
-    inputOpcode = input->major_opcode;
+    const auto versionCookie = xcb_input_xi_query_version(connection, 2, 100);
     struct {
         xcb_input_event_mask_t head;
         std::uint32_t mask;
     } const selection{{XCB_INPUT_DEVICE_ALL_MASTER, 1},
                       XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE};
     const auto cookie = xcb_input_xi_select_events_checked(connection, root, 1, &selection.head);
-    rawEvents = !XcbOwned<xcb_generic_error_t>(xcb_request_check(connection, cookie));
+    const bool selected = !XcbOwned<xcb_generic_error_t>(xcb_request_check(connection, cookie));
+    const auto version = xcbReply<xcb_input_xi_query_version_reply>(connection, versionCookie);
+    // Raw events arrive during grabs from version 2.1 on.
+    rawEvents = selected && version &&
+                std::pair<int, int>(version->major_version, version->minor_version) >= std::pair(2, 1);
+    inputOpcode = input->major_opcode;
 }
 
 HotKeyStatus X11HotKeyBackend::grab(const Registration& registration) const {

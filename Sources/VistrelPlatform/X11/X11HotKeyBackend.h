@@ -50,7 +50,8 @@ private:
 
     xcb_connection_t* connection;
     xcb_window_t root = XCB_NONE;
-    X11ServerTime serverTime;
+    /// Until it is known, right after the start, every event counts as just now.
+    X11ServerTime serverTime{false};
     X11Modifiers modifierMap;
     std::vector<Registration> registrations;
     std::optional<Press> held;
@@ -59,4 +60,5 @@ private:
     std::uint8_t inputOpcode = 0;
     std::uint8_t keyboardEvent = 0;
     QTimer keyboardSettled;
+    QTimer serverTimeSoon;
 };

@@ -50,10 +50,11 @@ struct ModifierKeys {
 
 X11Modifiers X11Modifiers::read(xcb_connection_t* connection) {
     X11Modifiers result;
-    const auto mapping =
-        xcbReply<xcb_get_modifier_mapping_reply>(connection, xcb_get_modifier_mapping(connection));
+    const auto cookie = xcb_get_modifier_mapping(connection);
+    // Asks for the symbols, too, so that both answers come at once.
     const std::unique_ptr<xcb_key_symbols_t, decltype(&xcb_key_symbols_free)> symbols(
         xcb_key_symbols_alloc(connection), &xcb_key_symbols_free);
+    const auto mapping = xcbReply<xcb_get_modifier_mapping_reply>(connection, cookie);
     if (!mapping || !symbols)
         return result;
     const ModifierKeys keys{*mapping, symbols.get()};

@@ -55,6 +55,7 @@ bool liesBehindOverlays(xcb_window_t id) {
 
 X11OverlayWindows::X11OverlayWindows() : connection(toolkitConnection()), stacking(connection) {
     root = rootWindow(connection);
+    xcb_prefetch_extension_data(connection, &xcb_input_id);
     rootEventMask = ownEventMask(connection, root);
     const xcb_query_extension_reply_t* input = xcb_get_extension_data(connection, &xcb_input_id);
     if (input && input->present)

@@ -3,6 +3,7 @@
 #include "VistrelPlatform/X11/Xcb.h"
 
 #include <QRect>
+#include <QRgb>
 
 #include <algorithm>
 #include <array>
