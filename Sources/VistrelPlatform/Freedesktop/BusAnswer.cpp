@@ -3,7 +3,7 @@
 #include <QDBusError>
 #include <QDBusPendingCallWatcher>
 
-void whenAnswered(QDBusConnection bus, const QDBusMessage& call, QObject* context,
+void whenAnswered(const QDBusConnection& bus, const QDBusMessage& call, QObject* context,
                   std::function<void(const QDBusMessage&)> then, int patience) {
     const QDBusPendingCall pending =
         bus.isConnected() ? bus.asyncCall(call, patience)

@@ -14,5 +14,5 @@ inline constexpr int usualBusPatience = -1;
 /// returned; an error message when the call fails, when nobody answers within `patience` milliseconds and
 /// when there is no bus, of which a plain `QDBusPendingCallWatcher` never tells. Never once `context` is
 /// gone.
-void whenAnswered(QDBusConnection bus, const QDBusMessage& call, QObject* context,
+void whenAnswered(const QDBusConnection& bus, const QDBusMessage& call, QObject* context,
                   std::function<void(const QDBusMessage&)> then, int patience = usualBusPatience);
