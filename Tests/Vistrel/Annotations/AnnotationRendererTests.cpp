@@ -193,27 +193,6 @@ TEST(AnnotationRenderer, longStrokesArePaintedLikeOnePath) {
     }
 }
 
-TEST(AnnotationRenderer, repaintedPiecesFitTogether) {
-    for (const double scale : scales) {
-        const Scene scene = noisyScene(scale);
-        const Layers layers = manyLayers(scene, 17, 27);
-        const QImage whole = scene.painted(layers);
-        AnnotationRenderer renderer;
-        QImage pieces = scene.image.convertToFormat(QImage::Format_ARGB32_Premultiplied);
-        std::mt19937 random(2);
-        for (int y = 0; y < pieces.height(); y += 40)
-            for (int x = 0; x < pieces.width(); x += 64) {
-                QPainter painter(&pieces);
-                painter.setClipRect(x, y, 64, 40);
-                painter.scale(scale, scale);
-                scene.draw(renderer, layers, painter);
-            }
-        EXPECT_EQ(pieces.convertToFormat(QImage::Format_RGB32), whole) << scale;
-        const QRect crop(33, 57, 180, 99);
-        EXPECT_EQ(scene.painted(renderer, layers, crop), whole.copy(crop)) << scale;
-    }
-}
-
 // Whatever is done to the layers, the kept pixels give the same picture as computing all anew.
 TEST(AnnotationRenderer, keptPixelsAreNeverOutdated) {
     Scene scene = noisyScene(1.25, {260, 190});
@@ -245,16 +224,5 @@ TEST(AnnotationRenderer, keptPixelsAreNeverOutdated) {
         const QRect area(int(any(120)), int(any(90)), 140, 100);
         AnnotationRenderer fresh;
         EXPECT_EQ(scene.painted(kept, layers, area), scene.painted(fresh, layers, area)) << "round " << round;
-    }
-}
-
-TEST(AnnotationRenderer, anEffectSeesWhatComesNearWithoutTouchingIt) {
-    const Scene scene = plainScene();
-    AnnotationRenderer kept;
-    Layers layers = {layer(AnnotationTool::line, {{20, 20}, {20, 220}}, 8),
-                     layer(AnnotationTool::blur, {{160, 120}, {160, 120}}, 60)};
-    for (int step = 0; step < 10; ++step) {
-        EXPECT_EQ(scene.painted(kept, layers, scene.image.rect()), scene.painted(layers)) << step;
-        layers[0] = layers[0].movedBy({12, 0});
     }
 }

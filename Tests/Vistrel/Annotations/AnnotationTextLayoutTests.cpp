@@ -57,11 +57,6 @@ TEST(AnnotationTextLayout, everyLineFeedMakesRoom) {
                 << text << " " << fontSize;
 }
 
-TEST(AnnotationTextLayout, whatIsMeasuredDoesNotWrapWhenItIsLaidOutAgain) {
-    for (double fontSize = 3; fontSize < 60; fontSize += 0.37)
-        EXPECT_EQ(sizeOf(u"some words to wrap"_s, fontSize).height, std::ceil(lineHeight(fontSize)));
-}
-
 TEST(AnnotationTextLayout, availableSizeLimitsTheBox) {
     const QString text = u"several words that need more than one line"_s;
     const Size free = sizeOf(text);
