@@ -1,31 +1,20 @@
 #include "Settings/EditorPreferences.h"
-#include "VistrelPlatform/System/AtomicFile.h"
+#include "Support/TestFiles.h"
 #include "VistrelPlatform/System/FileUserDefaults.h"
 
-#include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
-using namespace Qt::StringLiterals;
-
 namespace {
 
-struct StoredCase {
-    const char* name;
-    const char* stored;
-    double scale;
-    bool cancels;
-    bool reduces;
-    ScreenshotSaveFormat format;
-    /// What is stored after construction; null when nothing may have changed.
-    const char* after;
-};
 constexpr auto png = ScreenshotSaveFormat::png;
 constexpr auto jpg = ScreenshotSaveFormat::jpg;
-const StoredCase storedCases[] = {
+
+/// What is stored, the four preferences, and what is stored after construction; null when nothing may change.
+const std::tuple<const char*, const char*, double, bool, bool, ScreenshotSaveFormat, const char*> rows[] = {
     {"fresh", "{}", 100, true, true, png, nullptr},
     {"everything",
      R"({"editorPanelScalePercentV2": 75.5, "doubleClickOutsideToCancel": false,
@@ -44,27 +33,22 @@ const StoredCase storedCases[] = {
      100, false, false, png, nullptr},
 };
 
-QJsonObject stored(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QJsonDocument::fromJson(file.readAll()).object() : QJsonObject();
-}
-
 TEST(EditorPreferencesTests, readsAndMigratesWhatIsStored) {
-    QTemporaryDir folder;
-    for (const StoredCase& row : storedCases) {
-        SCOPED_TRACE(row.name);
-        const QString path = folder.filePath(QString::fromLatin1(row.name));
-        ASSERT_TRUE(writeAtomically(path, row.stored));
+    const QTemporaryDir folder;
+    for (const auto& [name, stored, scale, cancels, reduces, format, after] : rows) {
+        SCOPED_TRACE(name);
+        const QString path = folder.filePath(QString::fromLatin1(name));
+        writeFile(path, stored);
         {
             FileUserDefaults defaults(path);
             const EditorPreferences preferences(defaults);
-            EXPECT_EQ(preferences.scalePercent(), row.scale);
-            EXPECT_EQ(preferences.doubleClickOutsideToCancel(), row.cancels);
-            EXPECT_EQ(preferences.downscaleRetinaScreenshots(), row.reduces);
-            EXPECT_EQ(preferences.saveFormat(), row.format);
+            EXPECT_EQ(preferences.scalePercent(), scale);
+            EXPECT_EQ(preferences.doubleClickOutsideToCancel(), cancels);
+            EXPECT_EQ(preferences.downscaleRetinaScreenshots(), reduces);
+            EXPECT_EQ(preferences.saveFormat(), format);
         }
-        const char* after = row.after == nullptr ? row.stored : row.after;
-        EXPECT_EQ(stored(path), QJsonDocument::fromJson(after).object());
+        EXPECT_EQ(QJsonDocument::fromJson(readFile(path)),
+                  QJsonDocument::fromJson(after == nullptr ? stored : after));
     }
 }
 
