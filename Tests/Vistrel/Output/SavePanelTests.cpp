@@ -60,20 +60,18 @@ TEST(SuggestedFileName, IsTheMomentInUTCWithoutColons) {
 }
 
 TEST_F(SavePanelTest, ConfirmedNamesEndInTheFormatsSuffix) {
-    struct NameCase {
-        ScreenshotSaveFormat format;
-        const char *typed, *saved;
-    };
-    for (const NameCase& row : {NameCase{ScreenshotSaveFormat::png, "shot", "shot.png"},
-                                {ScreenshotSaveFormat::png, "shot.PNG", "shot.PNG"},
-                                {ScreenshotSaveFormat::png, "v1.2", "v1.2.png"},
-                                {ScreenshotSaveFormat::png, "shot.jpg", "shot.jpg.png"},
-                                {ScreenshotSaveFormat::jpg, "shot.jpeg", "shot.jpeg"}}) {
-        open(row.format);
-        typeName(QString::fromLatin1(row.typed));
-        ASSERT_EQ(answers.size(), 1) << row.typed;
-        EXPECT_EQ(answers.takeFirst(), folder.filePath(QString::fromLatin1(row.saved))) << row.typed;
-        EXPECT_FALSE(panel.isOpen()) << row.typed;
+    const std::tuple<ScreenshotSaveFormat, const char*, const char*> rows[] = {
+        {ScreenshotSaveFormat::png, "shot", "shot.png"},
+        {ScreenshotSaveFormat::png, "shot.PNG", "shot.PNG"},
+        {ScreenshotSaveFormat::png, "v1.2", "v1.2.png"},
+        {ScreenshotSaveFormat::png, "shot.jpg", "shot.jpg.png"},
+        {ScreenshotSaveFormat::jpg, "shot.jpeg", "shot.jpeg"}};
+    for (const auto& [format, typed, saved] : rows) {
+        open(format);
+        typeName(QString::fromLatin1(typed));
+        ASSERT_EQ(answers.size(), 1) << typed;
+        EXPECT_EQ(answers.takeFirst(), folder.filePath(QString::fromLatin1(saved))) << typed;
+        EXPECT_FALSE(panel.isOpen()) << typed;
     }
 }
 
