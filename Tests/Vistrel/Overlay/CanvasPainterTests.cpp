@@ -55,25 +55,21 @@ protected:
     bool decorated = false;
 };
 
-struct ScaleCase {
-    double scale;
-    QSize pixels;
-};
-const ScaleCase scaleCases[] = {
+const std::tuple<double, QSize> scaleCases[] = {
     {1, {320, 200}}, {1.1, {333, 217}}, {1.25, {401, 251}}, {1.5, {467, 301}}, {2, {640, 400}}};
 
 TEST_F(CanvasPainterTests, whatIsShownIsWhatIsExported) {
-    for (const ScaleCase& row : scaleCases) {
-        SCOPED_TRACE(row.scale);
+    for (const auto& [scale, pixels] : scaleCases) {
+        SCOPED_TRACE(scale);
         document.state = {};
-        open(row.scale, row.pixels);
+        open(scale, pixels);
         document.selection = {30.3, 40.2, 150.5, 100.25};
         const QRect bright = space.pixelsOf(document.selection);
         EXPECT_EQ(painted().copy(bright), presentation.copy(bright)) << "bit-identical without layers";
         addOneOfEach();
         const QImage target = painted();
         // 1.1 has no exact inverse: an edge may be off by a rounding error, never by a pixel.
-        const int tolerance = row.scale == 1.1 ? 4 : 0;
+        const int tolerance = scale == 1.1 ? 4 : 0;
         EXPECT_LE(largestDifference(target.copy(bright), *editor.output.outputImage()), tolerance);
         for (const QPoint p : {bright.topLeft() - QPoint(1, 0), bright.topLeft() - QPoint(0, 1),
                                bright.bottomRight() + QPoint(1, 0), bright.bottomRight() + QPoint(0, 1)})

@@ -40,12 +40,7 @@ TEST_F(GestureMachineTests, aSelectionIsMeasuredInImagePixels) {
     EXPECT_EQ(document.selection, (Rect{20, 20, 3, 20}));
 }
 
-struct SelectionDragCase {
-    const char* name;
-    Point from, to;
-    Rect expected;
-};
-const SelectionDragCase selectionDragCases[] = {
+const std::tuple<const char*, Point, Point, Rect> selectionDragCases[] = {
     {"moveInside", {100, 100}, {110, 90}, {60, 40, 300, 200}},
     {"moveAgainstRightEdgeKeepsWidth", {100, 100}, {400, 100}, {100, 50, 300, 200}},
     {"moveAgainstBottomLeft", {100, 100}, {0, 0}, {0, 0, 300, 200}},
@@ -60,22 +55,16 @@ const SelectionDragCase selectionDragCases[] = {
 };
 
 TEST_F(GestureMachineTests, dragsOfTheSelection) {
-    for (const SelectionDragCase& row : selectionDragCases) {
-        SCOPED_TRACE(row.name);
+    for (const auto& [name, from, to, expected] : selectionDragCases) {
+        SCOPED_TRACE(name);
         select();
-        stroke({row.from, row.to});
-        EXPECT_EQ(document.selection, row.expected);
+        stroke({from, to});
+        EXPECT_EQ(document.selection, expected);
         EXPECT_EQ(undoSteps(), 0U) << "selections are no undo steps";
     }
 }
 
-struct LayerDragCase {
-    const char* name;
-    Tool tool;
-    std::vector<Point> points, stroke;
-    Rect expected;
-};
-const LayerDragCase layerDragCases[] = {
+const std::tuple<const char*, Tool, std::vector<Point>, std::vector<Point>, Rect> layerDragCases[] = {
     {"moves", Tool::line, {{90, 90}, {140, 120}}, {{115, 105}, {125, 105}}, {100, 90, 50, 30}},
     {"onlyPressed", Tool::line, {{90, 90}, {140, 120}}, {{115, 105}}, {90, 90, 50, 30}},
     {"movesInside", Tool::line, {{90, 90}, {140, 120}}, {{115, 105}, {999, 99}}, {300, 84, 50, 30}},
@@ -87,17 +76,17 @@ const LayerDragCase layerDragCases[] = {
 };
 
 TEST_F(GestureMachineTests, dragsOfALayer) {
-    for (const LayerDragCase& row : layerDragCases) {
-        SCOPED_TRACE(row.name);
+    for (const auto& [name, tool, points, path, expected] : layerDragCases) {
+        SCOPED_TRACE(name);
         document.state = {};
         document.history.clear();
         select();
-        const EditorAnnotation before = addSelected(row.tool, row.points);
-        stroke(row.stroke);
-        EXPECT_EQ(layers().front().geometryBounds(), row.expected);
+        const EditorAnnotation before = addSelected(tool, points);
+        stroke(path);
+        EXPECT_EQ(layers().front().geometryBounds(), expected);
         EXPECT_EQ(document.state.selectedID, before.id);
         EXPECT_EQ(undoSteps(), layers().front() == before ? 0U : 1U);
-        EXPECT_EQ(actions.back(), row.tool == Tool::line ? Action::layerMoved : Action::layerResized);
+        EXPECT_EQ(actions.back(), tool == Tool::line ? Action::layerMoved : Action::layerResized);
     }
 }
 

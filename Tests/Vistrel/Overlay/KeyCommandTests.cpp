@@ -33,14 +33,7 @@ TEST_F(KeyCommandTests, arrowsMoveTheLayerOrTheSelection) {
     EXPECT_EQ(undoSteps(), 0U);
 }
 
-struct KeyboardCase {
-    const char* name;
-    const char16_t* characters;
-    ModifierMask modifiers;
-    KeyFocus focus;
-    bool taken;
-};
-const KeyboardCase keyboardCases[] = {
+const std::tuple<const char*, const char16_t*, ModifierMask, KeyFocus, bool> keyboardCases[] = {
     {"noKeyOfAnything", u"q", 0, {}, false},
     {"toolKeyHeldWithOption", u"p", Modifier::option, {}, false},
     {"toolKeyHeldWithCommand", u"p", Modifier::command, {}, false},
@@ -54,8 +47,8 @@ const KeyboardCase keyboardCases[] = {
 
 TEST_F(KeyCommandTests, whoHasTheKeyboard) {
     document.tool = AnnotationTool::line;
-    for (const KeyboardCase& row : keyboardCases)
-        EXPECT_EQ(type(row.characters, row.modifiers, row.focus), row.taken) << row.name;
+    for (const auto& [name, characters, modifiers, focus, taken] : keyboardCases)
+        EXPECT_EQ(type(characters, modifiers, focus), taken) << name;
     EXPECT_EQ(document.tool, AnnotationTool::line);
     EXPECT_EQ(document.drawingSize(), 2);
     EXPECT_EQ(copied.size(), QSize(400, 300));
@@ -73,33 +66,23 @@ TEST_F(KeyCommandTests, aHeldKeyDoesNotCloseOrCopyAgain) {
     EXPECT_TRUE(copied.isNull());
 }
 
-struct TranslationCase {
-    const char* name;
-    int qtKey;
-    Qt::KeyboardModifiers modifiers;
-    quint32 scanCode;
-    const char16_t* text;
-    KeyCode code;
-    const char16_t* characters;
-};
-
-const TranslationCase translationCases[] = {
-    {"escapeWithoutScanCode", Qt::Key_Escape, {}, 0, u"\x1b", Key::escape, u"\x1b"},
-    {"leftArrow", Qt::Key_Left, {}, 113, u"", Key::leftArrow, u""},
-    {"plainLetter", Qt::Key_P, {}, 33, u"p", 35, u"p"},
-    {"controlLetterIsNoControlCharacter", Qt::Key_C, Qt::ControlModifier, 54, u"\x03", 8, u"c"},
-    {"shiftedCommandLetter", Qt::Key_Z, Qt::MetaModifier | Qt::ShiftModifier, 52, u"Z", 6, u"z"},
-    {"otherScriptByPlace", 0x0421, Qt::ControlModifier, 54, u"", 8, u"c"},
-    {"otherScriptTypedPlainly", 0x0421, {}, 54, u"с", 8, u"с"},
+const std::tuple<const char*, int, Qt::KeyboardModifiers, quint32, const char16_t*, KeyCode, const char16_t*>
+    translationCases[] = {
+        {"escapeWithoutScanCode", Qt::Key_Escape, {}, 0, u"\x1b", Key::escape, u"\x1b"},
+        {"leftArrow", Qt::Key_Left, {}, 113, u"", Key::leftArrow, u""},
+        {"plainLetter", Qt::Key_P, {}, 33, u"p", 35, u"p"},
+        {"controlLetterIsNoControlCharacter", Qt::Key_C, Qt::ControlModifier, 54, u"\x03", 8, u"c"},
+        {"shiftedCommandLetter", Qt::Key_Z, Qt::MetaModifier | Qt::ShiftModifier, 52, u"Z", 6, u"z"},
+        {"otherScriptByPlace", 0x0421, Qt::ControlModifier, 54, u"", 8, u"c"},
+        {"otherScriptTypedPlainly", 0x0421, {}, 54, u"с", 8, u"с"},
 };
 
 TEST(KeyEventTranslationTests, keysFromTheToolkit) {
-    for (const TranslationCase& row : translationCases) {
-        const QKeyEvent event(QEvent::KeyPress, row.qtKey, row.modifiers, row.scanCode, 0, 0,
-                              QString::fromUtf16(row.text));
+    for (const auto& [name, qtKey, modifiers, scanCode, text, code, characters] : translationCases) {
+        const QKeyEvent event(QEvent::KeyPress, qtKey, modifiers, scanCode, 0, 0, QString::fromUtf16(text));
         const KeyEvent key = keyEventFrom(event);
-        EXPECT_EQ(key.keyCode, row.code) << row.name;
-        EXPECT_EQ(key.characters, QString::fromUtf16(row.characters)) << row.name;
+        EXPECT_EQ(key.keyCode, code) << name;
+        EXPECT_EQ(key.characters, QString::fromUtf16(characters)) << name;
     }
 }
 

@@ -6,16 +6,7 @@ namespace {
 
 using Tool = AnnotationTool;
 
-struct HitCase {
-    const char* name;
-    Tool tool;
-    double width;
-    std::vector<Point> points;
-    Point p;
-    bool hit;
-};
-
-const HitCase hitCases[] = {
+const std::tuple<const char*, Tool, double, std::vector<Point>, Point, bool> hitCases[] = {
     {"textGrownBy4", Tool::text, 24, {{100, 100}, {160, 130}}, {96, 96}, true},
     {"textBeyond4", Tool::text, 24, {{100, 100}, {160, 130}}, {95.9, 110}, false},
     {"rectangleOnOutline", Tool::rectangle, 3, {{100, 100}, {200, 200}}, {105, 150}, true},
@@ -33,12 +24,12 @@ const HitCase hitCases[] = {
 };
 
 TEST(OverlayHitTestTests, layers) {
-    for (const HitCase& row : hitCases) {
+    for (const auto& [name, tool, width, points, p, hit] : hitCases) {
         EditorAnnotation layer;
-        layer.tool = row.tool;
-        layer.width = row.width;
-        layer.points = row.points;
-        EXPECT_EQ(OverlayHitTest::hits(layer, row.p), row.hit) << row.name;
+        layer.tool = tool;
+        layer.width = width;
+        layer.points = points;
+        EXPECT_EQ(OverlayHitTest::hits(layer, p), hit) << name;
     }
 }
 
