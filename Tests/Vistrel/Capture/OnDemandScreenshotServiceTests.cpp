@@ -25,7 +25,7 @@ public:
     };
 
     bool hasPermission() const override { return true; }
-    bool supportsDirect() const override { return true; }
+    bool supportsDirect() const override { return direct; }
     Result<std::shared_ptr<DisplayFilter>> prepare(std::uint32_t id) override {
         ++preparations;
         return std::make_shared<Filter>(*this, id);
@@ -43,6 +43,7 @@ public:
     }
 
     std::atomic<int> preparations = 0;
+    bool direct = true;
     int growth = 0;
     std::uint32_t failing = 0;
     /// When set, no picture is ready before it is released.
@@ -147,6 +148,20 @@ TEST_F(OnDemandScreenshotServiceTests, FailuresAreValuesAndDropTheCache) {
     EXPECT_EQ(phases().value(1), u"capture_metadata_preparation"_s);
     screens.push_back({u"U"_s, std::nullopt, {500, 0, 10, 10}, 1});
     EXPECT_EQ(capture(service).error(), captureError(CaptureError::noDisplay));
+}
+
+TEST_F(OnDemandScreenshotServiceTests, ADirectCaptureFailsAsTheDisplaysDoAndPreparesNothing) {
+    OnDemandScreenshotService service(capturer, CaptureMethod::direct, preferences);
+    ASSERT_TRUE(capture(service));
+    EXPECT_EQ(phases().first(), u"capture_method_direct_rect"_s);
+    capturer.growth = 1;
+    EXPECT_EQ(capture(service).error(), captureError(CaptureError::imageDimensions));
+    capturer.growth = 0;
+    capturer.failing = 7;
+    EXPECT_EQ(capture(service).error().domain, ErrorDomain::windowSystem);
+    EXPECT_EQ(capturer.preparations, 0);
+    capturer.direct = false;
+    EXPECT_EQ(capture(service).error(), captureError(CaptureError::directUnavailable));
 }
 
 TEST_F(OnDemandScreenshotServiceTests, StoppingKeepsTheCacheAndAnswersWithACancellation) {
