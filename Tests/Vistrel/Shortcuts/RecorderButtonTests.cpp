@@ -47,27 +47,21 @@ protected:
 } // namespace
 
 TEST_F(RecorderButtonTest, RecordsWhatWasPressed) {
-    struct PressCase {
-        int key;
-        quint32 scanCode;
-        Qt::KeyboardModifiers modifiers;
-        ScreenshotShortcut expected;
-    };
     constexpr auto superShift = Qt::MetaModifier | Qt::ShiftModifier;
-    const PressCase rows[] = {
+    const std::tuple<int, quint32, Qt::KeyboardModifiers, ScreenshotShortcut> rows[] = {
         {Qt::Key_ParenLeft, scan9, superShift, {25, 768, u"9"_s}},
         {Qt::Key_SysReq, scanPrint, Qt::AltModifier, {Key::printScreen, 0x800, u"Print Screen"_s}},
         {Qt::Key_F13, scanF13, {}, {105, 0, u"Print Screen (F13)"_s}},
         {Qt::Key_Tab, scanTab, Qt::ControlModifier, {48, 4096, u"TAB"_s}},
         {0x0444, scanA, Qt::ControlModifier, {0, 4096, u"Ф"_s}},
     };
-    for (const PressCase& row : rows) {
+    for (const auto& [key, scanCode, modifiers, expected] : rows) {
         button->click();
         press(Qt::Key_Super_L, scanSuper);
-        EXPECT_TRUE(button->recording()) << row.key;
-        press(row.key, row.scanCode, row.modifiers);
-        ASSERT_EQ(recorded.size(), 1U) << row.key;
-        EXPECT_EQ(recorded.front(), row.expected) << qPrintable(recorded.front().keyLabel);
+        EXPECT_TRUE(button->recording()) << key;
+        press(key, scanCode, modifiers);
+        ASSERT_EQ(recorded.size(), 1U) << key;
+        EXPECT_EQ(recorded.front(), expected) << qPrintable(recorded.front().keyLabel);
         recorded.clear();
     }
 }

@@ -33,50 +33,43 @@ TEST(ScreenshotShortcut, UnreadableJSONIsNothing) {
 }
 
 TEST(ScreenshotShortcut, TheInitialSetIsExactlyOne) {
-    struct StartCase {
-        const char* name;
-        std::optional<QByteArray> saved, legacy;
-        ScreenshotShortcut expected;
-    };
+    using Saved = std::optional<QByteArray>;
     const auto list = &ScreenshotShortcut::encodeList;
     const QByteArray labelledOtherwise = R"([{"keyCode":25,"modifiers":768,"keyLabel":"("}])";
-    for (const StartCase& row :
-         {StartCase{"nothing", {}, {}, standard},
-          {"defaultWins", list({commandShiftP, standard}), controlF.encode(), standard},
-          {"firstOfOthers", list({commandShiftP, controlF}), {}, commandShiftP},
-          {"emptyList", "[]", controlF.encode(), controlF},
-          {"brokenList", "[{}]", controlF.encode(), controlF},
-          {"brokenBoth", "x", "{}", standard},
-          {"otherLabelIsNotTheDefault", labelledOtherwise, {}, {25, 768, u"("_s}}})
-        EXPECT_EQ(ScreenshotShortcut::initialSet(row.saved, row.legacy), std::vector{row.expected})
-            << row.name;
+    const std::tuple<const char*, Saved, Saved, ScreenshotShortcut> rows[] = {
+        {"nothing", {}, {}, standard},
+        {"defaultWins", list({commandShiftP, standard}), controlF.encode(), standard},
+        {"firstOfOthers", list({commandShiftP, controlF}), {}, commandShiftP},
+        {"emptyList", "[]", controlF.encode(), controlF},
+        {"brokenList", "[{}]", controlF.encode(), controlF},
+        {"brokenBoth", "x", "{}", standard},
+        {"otherLabelIsNotTheDefault", labelledOtherwise, {}, {25, 768, u"("_s}}};
+    for (const auto& [name, saved, legacy, expected] : rows)
+        EXPECT_EQ(ScreenshotShortcut::initialSet(saved, legacy), std::vector{expected}) << name;
 }
 
 TEST(ScreenshotShortcut, OnlyChordsThatLeaveTypingAloneAreAccepted) {
-    struct KeyCase {
-        KeyCode code;
-        ModifierMask modifiers;
-        const char* text;
-        /// Empty when the key press is refused.
-        const char* label;
+    // The label is empty when the key press is refused.
+    const std::tuple<KeyCode, ModifierMask, const char*, const char*> rows[] = {
+        {Key::escape, 256, "\x1b", ""},
+        {Key::f13, 0, "", "Print Screen (F13)"},
+        {Key::f13, 0x800, "", "⌥Print Screen (F13)"},
+        {0, 0, "a", ""},
+        {0, 0xa00, "a", ""},
+        {0, 0x1b00, "a", "⌃⌥⇧⌘A"},
+        {0, 0x10100, "a", "⌘A"},
+        {27, 0x100, "ß", "⌘SS"},
+        {0, 256, "", ""},
     };
-    for (const KeyCase& row : {KeyCase{Key::escape, 256, "\x1b", ""},
-                               {Key::f13, 0, "", "Print Screen (F13)"},
-                               {Key::f13, 0x800, "", "⌥Print Screen (F13)"},
-                               {0, 0, "a", ""},
-                               {0, 0xa00, "a", ""},
-                               {0, 0x1b00, "a", "⌃⌥⇧⌘A"},
-                               {0, 0x10100, "a", "⌘A"},
-                               {27, 0x100, "ß", "⌘SS"},
-                               {0, 256, "", ""}}) {
+    for (const auto& [code, modifiers, text, label] : rows) {
         ShortcutKeyEvent event;
-        event.keyCode = row.code;
-        event.modifiers = row.modifiers;
-        event.characters = QString::fromUtf8(row.text);
+        event.keyCode = code;
+        event.modifiers = modifiers;
+        event.characters = QString::fromUtf8(text);
         const auto shortcut = ScreenshotShortcut::from(event);
-        EXPECT_EQ(shortcut ? shortcut->label().toStdString() : "", row.label) << row.code;
+        EXPECT_EQ(shortcut ? shortcut->label().toStdString() : "", label) << code;
         event.isFunctionKey = true;
-        EXPECT_EQ(ScreenshotShortcut::from(event).has_value(), row.code == Key::f13);
+        EXPECT_EQ(ScreenshotShortcut::from(event).has_value(), code == Key::f13);
     }
 }
 
