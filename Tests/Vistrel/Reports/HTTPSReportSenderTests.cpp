@@ -80,12 +80,7 @@ TEST_F(HTTPSReportSenderTests, postsTheBytesAndTellsNothingElse) {
 
 TEST_F(HTTPSReportSenderTests, onlyAReceiptForThisReportIsDelivery) {
     using enum ReportUploadError;
-    struct AnswerCase {
-        const char* name;
-        Answer answer;
-        std::optional<ReportUploadError> expected;
-    };
-    const AnswerCase rows[] = {
+    const std::tuple<const char*, Answer, std::optional<ReportUploadError>> rows[] = {
         {"created", respond(201, receipt()), std::nullopt},
         {"largestBody", respond(200, receipt().leftJustified(4096, ' ')), std::nullopt},
         {"oneByteMore", respond(200, receipt().leftJustified(4097, ' ')), unavailable},
@@ -97,11 +92,11 @@ TEST_F(HTTPSReportSenderTests, onlyAReceiptForThisReportIsDelivery) {
         {"serverError", respond(500, receipt()), unavailable},
         {"compressed", respond(200, receipt(), "Content-Encoding: gzip\r\n"), std::nullopt},
     };
-    for (const AnswerCase& row : rows) {
-        SCOPED_TRACE(row.name);
+    for (const auto& [name, answer, expected] : rows) {
+        SCOPED_TRACE(name);
         server.requests.clear();
-        server.answer = row.answer;
-        EXPECT_EQ(send(url()), row.expected);
+        server.answer = answer;
+        EXPECT_EQ(send(url()), expected);
         EXPECT_EQ(server.requests.size(), 1U) << "nothing is followed or repeated";
     }
 }

@@ -1,7 +1,6 @@
 #include "Reports/ProblemReportModel.h"
 #include "Reports/ReportUploadError.h"
 #include "VistrelPlatform/System/FileUserDefaults.h"
-#include "VistrelPlatform/System/Files.h"
 #include "VistrelPlatform/System/UuidText.h"
 
 #include <QCoreApplication>
@@ -105,23 +104,16 @@ TEST_F(ProblemReportModelTests, theDocumentIsCompactSortedAndComplete) {
               R"("installationID":"this installation","reportID":"this report","schema":2})");
 }
 
-TEST_F(ProblemReportModelTests, aRetrySendsTheSameBytesAndAnEditANewReport) {
+TEST_F(ProblemReportModelTests, anEditAfterAFailureIsANewReport) {
     model->setMessage(u"first"_s);
     press(1);
     fail(ReportUploadError::offline);
-    EXPECT_FALSE(model->sentReportID());
     model->setMessage(u"first"_s);
     EXPECT_FALSE(model->status().isEmpty()) << "nothing was edited";
-    journal.record(Action::undo);
-    press(2);
-    EXPECT_EQ(sender.uploads[1].data, sender.uploads[0].data);
-    EXPECT_EQ(sender.uploads[1].id, sender.uploads[0].id);
-    fail(ReportUploadError::unavailable);
-
     model->setMessage(u"second"_s);
     EXPECT_EQ(model->status(), QString());
-    press(3);
-    EXPECT_NE(sender.uploads[2].id, sender.uploads[0].id);
+    press(2);
+    EXPECT_NE(sender.uploads[1].id, sender.uploads[0].id);
     EXPECT_EQ(document().value(u"comment"_s).toString(), u"second"_s);
 }
 
@@ -161,22 +153,6 @@ TEST_F(ProblemReportModelTests, aModelThatIsGoneIsNotCalled) {
     model.reset();
     sender.answer({});
     QCoreApplication::processEvents();
-}
-
-TEST_F(ProblemReportModelTests, nothingOfAUsersWorkReachesTheJournalOrTheReport) {
-    const QString secret = u"Zebra7"_s;
-    const QString path = home.path() + u"/Pictures/%1.png"_s.arg(secret);
-    defaults.setString(u"lastFolder"_s, path);
-    machine.productName = secret + u"’s laptop"_s;
-    // What the system says about a failing save names the file.
-    const Error told{ErrorDomain::system, ENOENT, path + u": No such file"_s};
-    journal.record(Action::saveFailed, LocalDiagnostics::error(told, Diagnostic::ErrorKind::encoding));
-    press(1);
-    const QByteArray bytes =
-        sender.uploads.back().data + Files::read(folder + u"/events.jsonl"_s, 1 << 20).value();
-    EXPECT_TRUE(bytes.contains("saveFailed"));
-    for (const QString& word : {secret, home.path(), u"Pictures"_s})
-        EXPECT_FALSE(bytes.contains(word.toUtf8())) << word.toStdString();
 }
 
 } // namespace
