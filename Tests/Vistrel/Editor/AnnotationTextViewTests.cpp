@@ -6,7 +6,6 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QMimeData>
-#include <QScrollBar>
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
@@ -33,13 +32,7 @@ protected:
     AnnotationTextView view{&window};
 };
 
-struct MeasureCase {
-    const char* name;
-    QString text;
-    double fontSize;
-    Size available;
-};
-const MeasureCase measureCases[] = {
+const std::tuple<const char*, QString, double, Size> measureCases[] = {
     {"empty", QString(), 24, {600, 400}},
     {"fractionOfAPoint", u"Hello world"_s, 20.8333, {600, 400}},
     {"trailingLineFeed", u"one\n"_s, 24, {600, 400}},
@@ -56,15 +49,15 @@ TEST_F(AnnotationTextViewTests, theEditorMeasuresAndPaintsWhatTheLayerWill) {
     view.clearFocus(); // Without its caret.
     view.setInkColor(Qt::blue);
     view.setAnchor({20.25, 30.5});
-    for (const MeasureCase& c : measureCases) {
-        view.setFontSize(c.fontSize);
-        view.setAvailableSize(c.available);
-        view.setString(c.text);
-        const Size expected = AnnotationTextLayout::size(c.text, c.fontSize, c.available);
+    for (const auto& [name, text, fontSize, available] : measureCases) {
+        view.setFontSize(fontSize);
+        view.setAvailableSize(available);
+        view.setString(text);
+        const Size expected = AnnotationTextLayout::size(text, fontSize, available);
         const QRectF box = view.box();
-        EXPECT_EQ(box, QRectF(20.25, 30.5, expected.width, expected.height)) << c.name;
-        EXPECT_TRUE(QRectF(view.geometry()).contains(box)) << c.name;
-        EXPECT_EQ(view.string(), c.text) << c.name;
+        EXPECT_EQ(box, QRectF(20.25, 30.5, expected.width, expected.height)) << name;
+        EXPECT_TRUE(QRectF(view.geometry()).contains(box)) << name;
+        EXPECT_EQ(view.string(), text) << name;
 
         QImage typed(640, 460, QImage::Format_ARGB32_Premultiplied);
         typed.fill(Qt::white);
@@ -72,9 +65,9 @@ TEST_F(AnnotationTextViewTests, theEditorMeasuresAndPaintsWhatTheLayerWill) {
         view.render(&typed, view.pos(), QRegion(), QWidget::DrawChildren);
         EditorAnnotation layer;
         layer.tool = AnnotationTool::text;
-        layer.width = c.fontSize;
+        layer.width = fontSize;
         layer.color = Qt::blue;
-        layer.text = c.text;
+        layer.text = text;
         layer.points = {{box.left(), 460 - box.bottom()}, {box.right(), 460 - box.top()}};
         QPainter painter(&finished);
         painter.setRenderHint(QPainter::Antialiasing);
@@ -88,30 +81,8 @@ TEST_F(AnnotationTextViewTests, theEditorMeasuresAndPaintsWhatTheLayerWill) {
         for (int y = 0; y < typed.height(); ++y)
             for (int x = 0; x < typed.width(); ++x)
                 different += std::abs(qGray(typed.pixel(x, y)) - qGray(finished.pixel(x, y))) > 24 ? 1 : 0;
-        EXPECT_EQ(different, 0) << c.name;
+        EXPECT_EQ(different, 0) << name;
     }
-}
-
-TEST_F(AnnotationTextViewTests, theBoxFollowsEveryEditAsIfMeasuredAnew) {
-    view.setAvailableSize({200, 300});
-    const auto expectFit = [&](const char* what) {
-        const Size expected = AnnotationTextLayout::size(view.string(), 24, {200, 300});
-        EXPECT_EQ(view.box().size(), QSizeF(expected.width, expected.height)) << what;
-    };
-    QTest::keyClicks(&view, u"some words that wrap"_s);
-    view.insertPlainText(u"\n\nend"_s);
-    expectFit("typed");
-    QTest::keyClick(&view, Qt::Key_Home, Qt::ControlModifier);
-    QTest::keyClick(&view, Qt::Key_Return);
-    expectFit("split at the start");
-    for (int i = 0; i < 30; ++i)
-        QTest::keyClick(&view, Qt::Key_Delete);
-    expectFit("paragraphs joined and words removed");
-    QTest::keyClick(&view, Qt::Key_Z, Qt::ControlModifier);
-    expectFit("undone");
-    view.insertPlainText(QString(40, u'\n'));
-    EXPECT_EQ(view.box().height(), 300);
-    EXPECT_EQ(view.verticalScrollBar()->maximum(), 0) << "nothing scrolls beyond the box";
 }
 
 TEST_F(AnnotationTextViewTests, onlyPlainTextIsPasted) {

@@ -8,37 +8,12 @@
 
 using namespace EditorTestSupport;
 
-class CaptureColorWellTests : public ::testing::Test {
-protected:
-    void SetUp() override {
-        well.resize(42, 42);
-        well.onColor = [this](const QColor& color) { colors.push_back(color); };
-        CaptureColorWell::restoreDialog = [this](QWidget&) { ++restored; };
-        present(window);
-    }
-    void TearDown() override {
-        well.closePicker();
-        CaptureColorWell::restoreDialog = nullptr;
-    }
-
+TEST(CaptureColorWellTests, choicesAreOpaqueAndReportedOncePerGesture) {
     Canvas window;
     CaptureColorWell well{&window};
     std::vector<QColor> colors;
-    int restored = 0;
-};
-
-TEST_F(CaptureColorWellTests, whateverHidesTheDialogEndsThePicker) {
-    well.activate();
-    CaptureColorWell::sharedDialog().reject();
-    EXPECT_FALSE(well.isActive());
-    EXPECT_EQ(restored, 1);
-    well.activate();
-    window.hide();
-    EXPECT_FALSE(well.isActive());
-    EXPECT_EQ(restored, 2);
-}
-
-TEST_F(CaptureColorWellTests, choicesAreOpaqueAndReportedOncePerGesture) {
+    well.onColor = [&](const QColor& color) { colors.push_back(color); };
+    present(window);
     well.activate();
     QColorDialog& dialog = CaptureColorWell::sharedDialog();
     dialog.setCurrentColor(QColor(10, 20, 30, 128));
@@ -54,4 +29,5 @@ TEST_F(CaptureColorWellTests, choicesAreOpaqueAndReportedOncePerGesture) {
     QTest::mouseRelease(dialog.windowHandle(), Qt::LeftButton, {}, QPoint(2, 2));
     QCoreApplication::processEvents();
     EXPECT_EQ(colors, std::vector{QColor(50, 0, 0)});
+    well.closePicker();
 }
