@@ -1,6 +1,6 @@
 // The least a frozen overlay can cost: a grabbed chord (Super+Shift+9) copies every display in the server,
-// dims it there, and maps it as a window's background. Escape hides it again. Prints the milliseconds from
-// each key event's own time until the server has handled everything.
+// dims it there, and maps it as a window's background. Escape hides it again. Prints that it is ready, then
+// the milliseconds from each key event's own time until the server has handled everything.
 
 #include <xcb/randr.h>
 #include <xcb/render.h>
@@ -55,6 +55,8 @@ public:
                      XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
         freeze();
         synchronize();
+        std::puts("ready");
+        std::fflush(stdout);
     }
 
     void run() {

@@ -23,7 +23,6 @@
 namespace {
 
 constexpr KeyCode keyNine = 25;
-constexpr std::uint8_t scanCodeNine = 18;
 constexpr ModifierMask chordModifiers = Modifier::command | Modifier::shift;
 
 double milliseconds(std::chrono::steady_clock::duration duration) {
@@ -89,18 +88,14 @@ private:
     std::vector<QRgb> plain;
 };
 
-/// For a program that keeps no journal. Trying a key takes it for a moment.
-void awaitHotKey(DesktopSession& desktop, ChildProgram& program) {
-    constexpr std::uint32_t state = XCB_MOD_MASK_4 | XCB_MOD_MASK_SHIFT;
-    const bool held = waitUntil([&] {
+/// For a program that keeps no journal.
+void awaitReady(ChildProgram& program) {
+    const bool ready = waitUntil([&] {
         if (!program.isRunning())
             qFatal("the program ended: %s", program.standardError().constData());
-        if (desktop.client().grabKey(state, scanCodeNine) != 0)
-            return true;
-        desktop.client().ungrabKey(state, scanCodeNine);
-        return false;
+        return program.standardOutput().startsWith("ready");
     });
-    if (!held)
+    if (!ready)
         qFatal("the program did not take its shortcut");
 }
 
@@ -114,7 +109,7 @@ std::vector<double> measure(const QString& program, bool isReference,
     Watcher watcher(desktop, configuration);
     const auto child = isReference ? desktop.start(program) : ResidentProgram::start(desktop, program);
     if (isReference)
-        awaitHotKey(desktop, *child);
+        awaitReady(*child);
     std::vector<double> figures;
     for (int run = 0; run < runs; ++run) {
         // What the program does after it has started or after a capture is not part of the next one.
