@@ -5,6 +5,8 @@ Each argument is one step, carried out in order; the first that fails ends the r
   expect ROLE NAME [STATE | !STATE]...   a control in sight has this role and name, and these states
   press ROLE NAME [ACTION]               does its action, the first one unless named
   write ROLE NAME TEXT                   puts the text into it
+  page NAME                              opens the page, where whatever takes the keyboard has a name
+                                         and no two things answer to the same key
 Parts of a step are separated by "/".
 """
 import sys
@@ -59,7 +61,26 @@ def has_states(control, wanted):
     return all((w[1:] not in states) if w.startswith("!") else (w in states) for w in wanted)
 
 
+def check_page(name):
+    until(name, lambda: find("page tab", name)).queryAction().doAction(0)
+    # The list is called like the page that it shows.
+    until(name, lambda: find("page tab list", name))
+    keys = []
+    for control in controls():
+        if not has_states(control, ["showing"]) or control.getRoleName() == "page tab list":
+            continue
+        if has_states(control, ["focusable"]) and not control.name:
+            sys.exit(f"{name} has a {control.getRoleName()} without a name")
+        actions = control.get_action_iface()
+        count = actions.get_n_actions() if actions else 0
+        keys += {actions.get_key_binding(i) for i in range(count)} - {""}
+    if len(keys) != len(set(keys)) or not keys:
+        sys.exit(f"{name} has these keys: {keys}")
+
+
 def perform(step):
+    if step.startswith("page/"):
+        return check_page(step.removeprefix("page/"))
     verb, role, name, *rest = step.split("/")
     if verb == "expect":
         until(step, lambda: (c := find(role, name)) and has_states(c, rest))

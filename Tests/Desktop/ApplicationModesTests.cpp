@@ -34,50 +34,44 @@ bool fits(const QByteArray& text, QByteArray expected) {
 
 TEST(ApplicationModes, WriteTheirResultsAndFailuresToTheRightStreamAndEndWithTheirStatus) {
     const char* const runsError = "Expected: --benchmark-capture [runs from 1 to 20]\n";
-    const struct {
-        const char* name;
-        std::vector<const char*> arguments;
-        int status;
-        const char* output;
-        const char* error;
-    } rows[] = {
-        {"noRuns", {"--benchmark-capture", "0"}, 2, "", runsError},
-        {"tooManyRuns", {"--benchmark-capture", "21"}, 2, "", runsError},
-        {"overflowingRuns", {"--benchmark-capture", "99999999999999999999"}, 2, "", runsError},
-        {"emptyRuns", {"--benchmark-capture", ""}, 2, "", runsError},
-        {"noMethod",
-         {"--benchmark-capture", "5", "--capture-method"},
-         2,
-         "",
-         "Expected --capture-method automatic, filtered, or direct\n"},
-        {"noReport", {"--last-capture-timing"}, 1, "", "No readable capture timing report: *"},
-        {"iconsetUnderAFile", {"--export-iconset", "/dev/null/icons"}, 1, "", "Icon export failed: *"},
-        {"profileWord",
-         {"--profile-buffer", "1", "2", "3", "sixty"},
-         1,
-         "",
-         "Expected: --profile-buffer width height displays maximumFPS\n"},
-        {"bareLogin", {"--enable-launch-at-login"}, 1, "", "Launch at login failed: *"},
-        {"fallsThrough",
-         {"--diagnostics", "--unknown", "", "--profile-buffer", "1", "2", "--export-iconset"},
-         0,
-         "Capture mode: on demand; no background stream or rewind\n*",
-         ""},
+    const char* const methodError = "Expected --capture-method automatic, filtered, or direct\n";
+    const char* const profileError = "Expected: --profile-buffer width height displays maximumFPS\n";
+    const char* const feedError =
+        "Update check failed: Error Domain=SUSparkleErrorDomain Code=1 \"This build of "
+        "Vistrel has no update feed.\"\n";
+    // Arguments stand one space apart.
+    const std::tuple<const char*, int, const char*, const char*> rows[] = {
+        {"--benchmark-capture 0", 2, "", runsError},
+        {"--benchmark-capture 21", 2, "", runsError},
+        {"--benchmark-capture 99999999999999999999", 2, "", runsError},
+        {"--benchmark-capture ", 2, "", runsError},
+        {"--benchmark-capture 5 --capture-method", 2, "", methodError},
+        {"--last-capture-timing", 1, "", "No readable capture timing report: *"},
+        {"--export-iconset /dev/null/icons", 1, "", "Icon export failed: *"},
+        {"--profile-buffer 1 2 3 sixty", 1, "", profileError},
+        {"--enable-launch-at-login", 1, "", "Launch at login failed: *"},
+        {"--check-update-feed", 1, "", feedError},
+        {"--diagnostics --unknown  --profile-buffer 1 2 --export-iconset", 0,
+         "Capture mode: on demand; no background stream or rewind\n*", ""},
     };
     VistrelOnDesktop vistrel({.screenSize = {640, 480}});
-    for (const auto& row : rows) {
-        QStringList arguments;
-        for (const char* argument : row.arguments)
-            arguments << QLatin1String(argument);
-        const auto program = vistrel.startProgram(arguments);
-        EXPECT_EQ(program->waitForExit(patience), row.status) << row.name;
-        EXPECT_TRUE(fits(program->standardOutput(), row.output))
-            << row.name << program->standardOutput().constData();
-        EXPECT_TRUE(fits(program->standardError(), row.error))
-            << row.name << program->standardError().constData();
+    for (const auto& [arguments, status, output, error] : rows) {
+        const auto program = vistrel.startProgram(QString::fromLatin1(arguments).split(u' '));
+        EXPECT_EQ(program->waitForExit(patience), status) << arguments;
+        EXPECT_TRUE(fits(program->standardOutput(), output))
+            << arguments << program->standardOutput().constData();
+        EXPECT_TRUE(fits(program->standardError(), error))
+            << arguments << program->standardError().constData();
     }
     EXPECT_FALSE(QFile::exists(vistrel.session.configHome() + u"/autostart"_s));
     EXPECT_FALSE(QFile::exists(vistrel.session.dataHome() + u"/Vistrel"_s));
+    const auto benchmark =
+        vistrel.startProgram({u"--benchmark-capture"_s, u"2"_s, u"--capture-method"_s, u"direct"_s});
+    EXPECT_EQ(benchmark->waitForExit(patience), 0);
+    EXPECT_TRUE(benchmark->standardError().contains("\nCapture 2/2: "))
+        << benchmark->standardError().constData();
+    EXPECT_EQ(benchmark->standardOutput().count("\"capture_method_direct_rect\""), 2);
+    EXPECT_TRUE(benchmark->standardOutput().endsWith("]\n\n")) << "one empty line follows the array";
     vistrel.session.setEnvironment("DISPLAY", ":4999");
     for (const QStringList& arguments : {QStringList(), {u"--diagnostics"_s}}) {
         const auto program = vistrel.startProgram(arguments);

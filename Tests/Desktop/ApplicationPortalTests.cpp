@@ -128,4 +128,7 @@ TEST(ApplicationPortal, ASandboxAsksThePortalAndTheSetupComesBackUntilItIsDone) 
         return !captured() || !vistrel.closeCapture();
     }));
     EXPECT_TRUE(vistrel.isOpen(setup));
+    EXPECT_EQ(vistrel.end(), 0);
+    vistrel.launch();
+    EXPECT_TRUE(vistrel.opens(setup)) << "a launch asks again, too";
 }

@@ -103,3 +103,21 @@ expect/dialog/Drawing color)"),
     ASSERT_TRUE(editor->waitFor("captureClosed"));
     EXPECT_EQ(editor->clipboardImage().size(), QSize(600, 440));
 }
+
+TEST_F(AccessibleEditor, SettingsPagesAreNamedAndTheHistoryIsSwitchedOffAndCleared) {
+    editor->start();
+    ASSERT_TRUE(editor->openSettings());
+    EXPECT_EQ(follow(R"(
+page/Shortcuts
+page/Updates
+page/Support
+page/Appearance
+press/push button/Clear History/Press
+expect/label/Local diagnostic history cleared.
+press/check box/Keep diagnostic history locally/Toggle)"),
+              "");
+    EXPECT_TRUE(waitUntil([&] { return editor->defaults()[u"localDiagnosticJournalEnabled"] == false; }));
+    EXPECT_EQ(editor->story(), "");
+    EXPECT_EQ(follow("press/check box/Keep diagnostic history locally/Toggle"), "");
+    EXPECT_TRUE(editor->waitFor("launch")) << "a fresh journal begins with a launch";
+}

@@ -15,6 +15,9 @@ namespace {
 
 /// Puts programs on the desktop as an installation does.
 class ShareFlow : public ::testing::Test {
+public:
+    ~ShareFlow() override { release(); }
+
 protected:
     ShareFlow() {
         vistrel.session.setEnvironment("XDG_DATA_DIRS", path("nothing").toStdString());
@@ -32,7 +35,6 @@ protected:
                   "[MIME Cache]\nimage/png=fleeting.desktop;viewer.desktop;\n");
         writeFile(path("config/mimeapps.list"), "[Default Applications]\nimage/png=viewer.desktop\n");
     }
-    ~ShareFlow() override { release(); }
 
     [[nodiscard]] bool edit() {
         const bool selected = vistrel.edit(area);

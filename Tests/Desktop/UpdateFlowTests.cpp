@@ -88,6 +88,9 @@ TEST_F(UpdateFlow, TheFeedIsCheckedFromTheCommandLine) {
     EXPECT_EQ(server.requests.size(), 3U);
     for (const TLSTestServer::Request& request : server.requests)
         EXPECT_EQ(request.path, "/feed.xml");
+    server.answer = [](QTcpSocket& socket, const auto&) { TLSTestServer::respond(socket, 500, {}); };
+    EXPECT_TRUE(
+        check().starts_with("1 |Update check failed: Error Domain=SUSparkleErrorDomain Code=1002 \""));
 }
 
 TEST_F(UpdateFlow, ASignedArchiveTakesThePlaceOfThePrivateCopyAndIsRelaunched) {

@@ -174,6 +174,14 @@ xcb_window_t VistrelOnDesktop::nextFocus(xcb_window_t before) {
     return found ? focused : XCB_NONE;
 }
 
+QRect VistrelOnDesktop::focusedRect() {
+    const xcb_window_t focused = session.client().focusedWindow();
+    for (const MappedWindow& window : session.client().mappedWindows())
+        if (window.id == focused)
+            return window.rect;
+    return {};
+}
+
 std::vector<MappedWindow> VistrelOnDesktop::windows() {
     std::vector<MappedWindow> all = session.client().mappedWindows();
     std::erase_if(all, [](const MappedWindow& window) {

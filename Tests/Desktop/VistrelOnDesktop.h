@@ -89,6 +89,8 @@ public:
     /// The program's window that has the keyboard, waited for until it is another than `before`; XCB_NONE
     /// when none comes.
     xcb_window_t nextFocus(xcb_window_t before = XCB_NONE);
+    /// Where the window with the keyboard stands; null when it is no top-level window.
+    QRect focusedRect();
     /// What stands on the screen, lowest first, without the specks that window managers keep for themselves.
     std::vector<MappedWindow> windows();
     bool isOpen(const QString& title) { return session.client().windowTitled(title).has_value(); }

@@ -12,13 +12,7 @@ const UsageError runsError{u"Expected: --benchmark-capture [runs from 1 to 20]"_
 const UsageError methodError{u"Expected --capture-method automatic, filtered, or direct"_s, 2};
 const UsageError profileError{u"Expected: --profile-buffer width height displays maximumFPS"_s, 1};
 
-struct ModeCase {
-    const char* name;
-    const char* arguments;
-    Mode expected;
-};
-
-const ModeCase cases[] = {
+const std::tuple<const char*, const char*, Mode> cases[] = {
     {"benchmarkAlone", "--benchmark-capture", BenchmarkCapture{3, CaptureMethod::automatic}},
     {"signedRuns", "--benchmark-capture +5", BenchmarkCapture{5, CaptureMethod::automatic}},
     {"twoSigns", "--benchmark-capture +-3", runsError},
@@ -39,10 +33,10 @@ const ModeCase cases[] = {
 };
 
 TEST(CommandLineModeTest, isTheFirstThatMatches) {
-    for (const ModeCase& row : cases) {
+    for (const auto& [name, words, expected] : cases) {
         QStringList arguments{u"/usr/bin/vistrel"_s};
-        arguments << QString::fromUtf8(row.arguments).split(u' ', Qt::SkipEmptyParts);
-        EXPECT_TRUE(parse(arguments) == row.expected) << row.name;
+        arguments << QString::fromUtf8(words).split(u' ', Qt::SkipEmptyParts);
+        EXPECT_TRUE(parse(arguments) == expected) << name;
     }
 }
 
