@@ -24,28 +24,25 @@ double meanGreen(const QImage& source, PixelSize target, int x, int y) {
 } // namespace
 
 TEST(AreaScaler, PixelsAreMeansOfTheAreaTheyCover) {
-    const struct {
-        const char* name;
-        QSize source;
-        PixelSize target;
-    } rows[] = {{"half", {64, 40}, {32, 20}},        {"halfOfOddSize", {65, 41}, {33, 21}},
-                {"twoThirds", {60, 33}, {40, 22}},   {"quarter", {64, 64}, {16, 16}},
-                {"unequalAxes", {50, 30}, {13, 29}}, {"onePixel", {17, 9}, {1, 1}},
-                {"larger", {10, 10}, {15, 12}}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        const QImage source = noise(row.source);
-        const QImage scaled = AreaScaler::scaled(source, row.target);
-        ASSERT_EQ(scaled.size(), QSize(row.target.width, row.target.height));
-        for (int y = 0; y < row.target.height; y += 3)
-            for (int x = 0; x < row.target.width; x += 3)
-                EXPECT_NEAR(qGreen(scaled.pixel(x, y)), meanGreen(source, row.target, x, y), 0.501)
+    const std::tuple<const char*, QSize, PixelSize> rows[] = {
+        {"half", {64, 40}, {32, 20}},        {"halfOfOddSize", {65, 41}, {33, 21}},
+        {"twoThirds", {60, 33}, {40, 22}},   {"quarter", {64, 64}, {16, 16}},
+        {"unequalAxes", {50, 30}, {13, 29}}, {"onePixel", {17, 9}, {1, 1}},
+        {"larger", {10, 10}, {15, 12}}};
+    for (const auto& [name, size, target] : rows) {
+        SCOPED_TRACE(name);
+        const QImage source = noise(size);
+        const QImage scaled = AreaScaler::scaled(source, target);
+        ASSERT_EQ(scaled.size(), QSize(target.width, target.height));
+        for (int y = 0; y < target.height; y += 3)
+            for (int x = 0; x < target.width; x += 3)
+                EXPECT_NEAR(qGreen(scaled.pixel(x, y)), meanGreen(source, target, x, y), 0.501)
                     << x << ' ' << y;
         // Flat colours stay exact.
-        QImage flat(row.source, QImage::Format_RGB32);
+        QImage flat(size, QImage::Format_RGB32);
         flat.fill(0xFF7F01FFU);
         QImage expected(scaled.size(), QImage::Format_RGB32);
         expected.fill(0xFF7F01FFU);
-        EXPECT_EQ(AreaScaler::scaled(flat, row.target), expected);
+        EXPECT_EQ(AreaScaler::scaled(flat, target), expected);
     }
 }
