@@ -12,8 +12,7 @@ public:
     X11FrozenPicture(std::shared_ptr<X11Connection> connection, PixelSize size);
     X11FrozenPicture(std::shared_ptr<X11Connection> connection, PixelSize size,
                      std::shared_ptr<SharedSegment> memory);
-    explicit X11FrozenPicture(std::shared_ptr<X11Connection> connection,
-                              std::shared_ptr<ServerPixmap> pixmap);
+    X11FrozenPicture(std::shared_ptr<X11Connection> connection, std::shared_ptr<ServerPixmap> pixmap);
 
     PixelSize size() const { return pixelSize; }
     /// Queues what shows the picture under the haze that lies over everything before a selection is made.

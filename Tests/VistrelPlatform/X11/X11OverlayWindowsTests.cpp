@@ -44,12 +44,13 @@ protected:
         }
     }
 
-    void freeze() {
+    void freeze(bool direct = false) {
         for (std::size_t index = 0; index < windows.size(); ++index) {
-            const QRect rect = screens[index].nativeRect;
-            const auto filter = capturer.prepare(screens[index].displayID.value_or(0));
+            const PixelSize size{screens[index].nativeRect.width(), screens[index].nativeRect.height()};
+            const std::uint32_t display = screens[index].displayID.value_or(0);
+            const auto filter = capturer.prepare(display);
             ASSERT_TRUE(filter);
-            const auto captured = (*filter)->capture({rect.width(), rect.height()});
+            const auto captured = direct ? capturer.captureDirect(display, size) : (*filter)->capture(size);
             ASSERT_TRUE(captured);
             overlays.setFrozenPicture(*windows[index], captured->frozen);
             pictures.push_back(captured->presentation);
@@ -116,15 +117,22 @@ TEST_F(X11OverlayWindowsTest, TheFirstFrameIsTheDimmedPictureOnExactlyTheDisplay
 }
 
 TEST_F(X11OverlayWindowsTest, WhereTheScreenIsNotTheRootsPictureTheFirstFrameComesFromMemory) {
-    const xcb_window_t compositor = client.createWindow({.rect = {0, 0, 1, 1}});
-    xcb_set_selection_owner(client.connection(), compositor, client.atom("_NET_WM_CM_S0"), XCB_CURRENT_TIME);
-    client.synchronize();
-    freeze();
-    client.setRootPicture(noise(testScreenSize, 6));
-    show();
-    EXPECT_EQ(client.pixels(left), hazed(background.copy(left)));
-    EXPECT_EQ(client.pixels(right), hazed(background.copy(right)));
-    client.destroy(compositor);
+    for (const bool direct : {false, true}) {
+        SCOPED_TRACE(direct);
+        const xcb_window_t compositor = client.createWindow({.rect = {0, 0, 1, 1}});
+        if (!direct)
+            xcb_set_selection_owner(client.connection(), compositor, client.atom("_NET_WM_CM_S0"),
+                                    XCB_CURRENT_TIME);
+        client.setRootPicture(background);
+        freeze(direct);
+        client.setRootPicture(noise(testScreenSize, 6));
+        show();
+        EXPECT_EQ(client.pixels(left), hazed(background.copy(left)));
+        EXPECT_EQ(client.pixels(right), hazed(background.copy(right)));
+        for (const auto& window : windows)
+            overlays.hide(*window);
+        client.destroy(compositor);
+    }
 }
 
 TEST_F(X11OverlayWindowsTest, StaysAboveWindowsThatComeLaterUnlessTheyCoverAll) {
