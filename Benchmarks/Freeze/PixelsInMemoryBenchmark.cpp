@@ -22,8 +22,9 @@ public:
     PlainReader(const DesktopSession& desktop, const std::vector<MonitorSetup>& displays)
         : connection(std::make_shared<X11Connection>(desktop.displayName())), monitors(displays) {
         for (const MonitorSetup& monitor : monitors)
-            segments.push_back(SharedSegment::create(
-                connection, static_cast<std::size_t>(monitor.rect.width() * monitor.rect.height() * 4)));
+            segments.push_back(
+                SharedSegment::create(connection, 4 * static_cast<std::size_t>(monitor.rect.width()) *
+                                                      static_cast<std::size_t>(monitor.rect.height())));
         read();
     }
 
@@ -67,6 +68,7 @@ void pixelsInMemory(benchmark::State& state, const DisplayConfiguration& configu
 
         const auto start = std::chrono::steady_clock::now();
         std::vector<QFuture<Result<CapturedImage>>> results;
+        results.reserve(filters.size());
         for (const auto& [filter, size] : filters)
             results.push_back(
                 QtConcurrent::run([filter = filter, size = size] { return filter->capture(size); }));

@@ -18,11 +18,7 @@ QStringList programsUsing(const QString& folder) {
 
 /// An editor on a desktop with an accessibility bus, and a user who knows nothing but names and roles.
 class AccessibleEditor : public ::testing::Test {
-protected:
-    AccessibleEditor() {
-        editor->session.setEnvironment("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1");
-        bus = editor->session.start(u"/usr/libexec/at-spi-bus-launcher"_s, {u"--launch-immediately"_s});
-    }
+public:
     ~AccessibleEditor() override {
         const QString folder = editor->session.folder();
         editor->program.reset();
@@ -31,6 +27,12 @@ protected:
         // The launcher has started a bus and a registry of its own.
         EXPECT_TRUE(waitUntil([&] { return programsUsing(folder).isEmpty(); }))
             << programsUsing(folder).join(u' ').toStdString();
+    }
+
+protected:
+    AccessibleEditor() {
+        editor->session.setEnvironment("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1");
+        bus = editor->session.start(u"/usr/libexec/at-spi-bus-launcher"_s, {u"--launch-immediately"_s});
     }
 
     /// Carries out the steps one by one; what went wrong, or nothing.

@@ -137,8 +137,7 @@ void VistrelOnDesktop::setDefaults(const QJsonObject& all) {
 QString VistrelOnDesktop::storedShortcut() const {
     const QString data = defaults()[u"screenshotShortcuts"][u"data"].toString();
     QStringList labels;
-    for (const QJsonValue& shortcut :
-         QJsonDocument::fromJson(QByteArray::fromBase64(data.toLatin1())).array())
+    for (const auto& shortcut : QJsonDocument::fromJson(QByteArray::fromBase64(data.toLatin1())).array())
         labels << QStringLiteral("%1+%2")
                       .arg(shortcut[u"modifiers"].toInt())
                       .arg(shortcut[u"keyLabel"].toString());

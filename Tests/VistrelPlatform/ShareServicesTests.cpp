@@ -15,6 +15,9 @@ namespace {
 
 /// The application database reads its folders once in a process, so all tests share one set.
 class ShareServicesTests : public ::testing::Test {
+public:
+    ~ShareServicesTests() override { SharePictureFile::removeLeftovers(); }
+
 protected:
     static void SetUpTestSuite() {
         static const QTemporaryDir shared;
@@ -51,7 +54,6 @@ protected:
         if (QFile::decodeName(g_get_user_data_dir()) != path("data"))
             GTEST_SKIP() << "An earlier test of this process has already read the user's folders.";
     }
-    ~ShareServicesTests() override { SharePictureFile::removeLeftovers(); }
 
     static SharedPicture picture() { return {QByteArrayLiteral("bytes"), u"name.png"_s}; }
     QStringList picturesOnDisk() const {
