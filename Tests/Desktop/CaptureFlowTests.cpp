@@ -139,7 +139,7 @@ TEST(CaptureFlow, TheTimingReportListsThePhasesInOrderAndIsPrintedByteForByte) {
     EXPECT_FALSE(report.contains(u"error"));
     QStringList names;
     double last = 0;
-    for (const QJsonValue& phase : report[u"phases"].toArray()) {
+    for (const auto& phase : report[u"phases"].toArray()) {
         names << phase[u"name"].toString();
         EXPECT_GE(phase[u"offsetMS"].toDouble(), last);
         last = phase[u"offsetMS"].toDouble();
