@@ -208,6 +208,10 @@ TEST(AnnotationRenderer, keptPixelsAreNeverOutdated) {
             moved = moved.movedBy({7, -5});
         },
         [&] {
+            EditorAnnotation& moved = anyLayer();
+            moved = moved.movedBy({-130, 70});
+        },
+        [&] {
             EditorAnnotation& grown = anyLayer();
             grown.points.push_back(grown.points.back() + Point{9, 4});
         },
@@ -224,5 +228,16 @@ TEST(AnnotationRenderer, keptPixelsAreNeverOutdated) {
         const QRect area(int(any(120)), int(any(90)), 140, 100);
         AnnotationRenderer fresh;
         EXPECT_EQ(scene.painted(kept, layers, area), scene.painted(fresh, layers, area)) << "round " << round;
+    }
+}
+
+TEST(AnnotationRenderer, anEffectSeesWhatComesNearWithoutTouchingIt) {
+    const Scene scene = plainScene();
+    AnnotationRenderer kept;
+    Layers layers = {layer(AnnotationTool::line, {{20, 20}, {20, 220}}, 8),
+                     layer(AnnotationTool::blur, {{160, 120}, {160, 120}}, 60)};
+    for (int step = 0; step < 10; ++step) {
+        EXPECT_EQ(scene.painted(kept, layers, scene.image.rect()), scene.painted(layers)) << step;
+        layers[0] = layers[0].movedBy({12, 0});
     }
 }
