@@ -10,8 +10,10 @@ const char* __tsan_default_options() { // NOLINT(bugprone-reserved-identifier): 
 
 const char* __tsan_default_suppressions() { // NOLINT(bugprone-reserved-identifier): the sanitizer's own name
     return "called_from_lib:libQt6Core.so.6\n"
-           "called_from_lib:libQt6Network.so.6\n"
            "called_from_lib:libglib-2.0.so.0\n"
+           "race:libgio-2.0.so.0\n"
+           "race:libgobject-2.0.so.0\n"
+           "race:libQt6Network.so.6\n"
            "race:QFutureInterface\n"
            "race:QtPrivate::ResultStoreBase\n"
            "race_top:QWaitCondition\n"

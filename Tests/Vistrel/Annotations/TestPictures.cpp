@@ -37,7 +37,7 @@ Plane blurredAndTurned(const Plane& plane, int width, const Plane& weights) {
             double sum = row[x] * weights[0];
             for (int i = 1; i < int(weights.size()); ++i)
                 sum += (row[std::max(x - i, 0)] + row[std::min(x + i, width - 1)]) * weights[std::size_t(i)];
-            turned[std::size_t(x * height + y)] = sum;
+            turned[std::size_t(x) * std::size_t(height) + std::size_t(y)] = sum;
         }
     }
     return turned;

@@ -84,6 +84,7 @@ TEST_F(LocalDiagnosticsTests, threadsRecordWhileOthersRead) {
     auto journal = makeJournal();
     journal->start();
     std::vector<std::thread> threads;
+    threads.reserve(4);
     for (int thread = 0; thread < 4; ++thread)
         threads.emplace_back([&, thread] {
             Diagnostic::Details details;

@@ -5,6 +5,8 @@
 #include "VistrelPlatform/X11/X11TestPictures.h"
 #include "VistrelPlatform/X11/X11TestSession.h"
 
+#include <QPainter>
+#include <QWidget>
 #include <QWindow>
 
 #include <gtest/gtest.h>
