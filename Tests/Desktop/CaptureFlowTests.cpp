@@ -76,6 +76,9 @@ struct ScaleCase {
     QRect selection;
     bool reduces = false;
 };
+void PrintTo(const ScaleCase& row, std::ostream* out) {
+    *out << row.scales;
+}
 const ScaleCase scaleCases[] = {
     {"plain", {whole}, "L=1", {100, 100, 301, 203}},
     {"quarter", {whole}, "L=1.25", {100, 100, 305, 205}},
