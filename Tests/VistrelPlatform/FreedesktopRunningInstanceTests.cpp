@@ -41,6 +41,7 @@ public:
         std::strncpy(address.sun_path, QFile::encodeName(path).constData(), sizeof address.sun_path - 1);
     }
     bool connects() const { return ::connect(socket.get(), target(), sizeof address) == 0; }
+    bool binds() const { return ::bind(socket.get(), target(), sizeof address) == 0; }
     void say(const QByteArray& text) const {
         EXPECT_EQ(::send(socket.get(), text.constData(), static_cast<size_t>(text.size()), MSG_NOSIGNAL),
                   text.size());
@@ -76,6 +77,20 @@ protected:
 };
 
 } // namespace
+
+TEST_F(RunningInstanceTest, WithoutABusTheSecondStartActivatesTheFirstUntilThatEnds) {
+    // What a killed process leaves: its socket and its file, neither held by anybody.
+    ASSERT_TRUE(Stranger(socketPath()).binds());
+    writeFile(*Paths::runtime() + u"/instance.lock"_s, {});
+    auto first = start(noBus);
+    ASSERT_TRUE(first->claim());
+    EXPECT_FALSE(laterStartClaims(noBus, u"token 1"_s));
+    EXPECT_FALSE(laterStartClaims(noBus));
+    EXPECT_EQ(tokens, (QStringList{u"token 1"_s, QString()}));
+    first.reset();
+    EXPECT_FALSE(QFile::exists(socketPath()));
+    EXPECT_TRUE(start(noBus)->claim());
+}
 
 TEST_F(RunningInstanceTest, OnTheBusThePlaceIsOneForAllRuntimeFolders) {
     auto first = start(bus.client());

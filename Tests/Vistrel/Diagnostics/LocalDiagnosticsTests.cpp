@@ -48,6 +48,22 @@ TEST_F(LocalDiagnosticsTests, everyCaseHasANameOfItsOwn) {
     }
 }
 
+TEST_F(LocalDiagnosticsTests, switchedOffNothingIsWrittenOrRead) {
+    auto journal = makeJournal();
+    journal->start();
+    journal->record(Action::undo);
+    snapshot(*journal);
+    journal->setEnabled(false);
+    const QByteArray before = content(current);
+    journal->record(Action::redo);
+    EXPECT_TRUE(snapshot(*journal).events.empty());
+    EXPECT_EQ(content(current), before);
+    EXPECT_TRUE(QFile::exists(marker));
+    journal->finish();
+    EXPECT_FALSE(QFile::exists(marker)) << "the marker goes even when the journal is off";
+    EXPECT_EQ(content(current), before);
+}
+
 TEST_F(LocalDiagnosticsTests, clearRemovesEverythingAndGuardsTheSessionAgain) {
     write(previous, line("2026-03-01T11:00:00Z"));
     auto journal = makeJournal();

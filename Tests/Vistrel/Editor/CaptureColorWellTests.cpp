@@ -31,3 +31,13 @@ TEST(CaptureColorWellTests, choicesAreOpaqueAndReportedOncePerGesture) {
     EXPECT_EQ(colors, std::vector{QColor(50, 0, 0)});
     well.closePicker();
 }
+
+TEST(CaptureColorWellTests, theWindowTakesThePickerAlong) {
+    Canvas window;
+    CaptureColorWell well{&window};
+    present(window);
+    well.activate();
+    ASSERT_TRUE(well.isActive());
+    window.hide();
+    EXPECT_FALSE(well.isActive());
+}

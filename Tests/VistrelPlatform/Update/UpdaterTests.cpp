@@ -127,6 +127,17 @@ protected:
 
 } // namespace
 
+TEST_F(UpdaterTests, installsASignedUpdateThatTheUserWants) {
+    item.more = "<sparkle:shortVersionString>Two</sparkle:shortVersionString>";
+    publish();
+    EXPECT_EQ(run(&Updater::checkForUpdates), 0);
+    EXPECT_EQ(user.story(), "check, offer Two, download, install, installed");
+    EXPECT_TRUE(user.offer->installable);
+    EXPECT_EQ(user.progressed, archive.size());
+    EXPECT_TRUE(holds("2.0"));
+    EXPECT_EQ(relaunched, configuration.executable);
+}
+
 TEST_F(UpdaterTests, aSpoiltUpdateIsNotInstalled) {
     const FeedItem goodItem = item;
     const QByteArray goodArchive = archive;
