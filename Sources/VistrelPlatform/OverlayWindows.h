@@ -26,7 +26,7 @@ public:
     /// Creates the native window of `window`, hidden, and gives it exactly the display's native rectangle.
     virtual void prepare(QWidget& window, const Screen& screen) = 0;
     /// The picture the window shows, dimmed as it is before a selection, from when it is shown until its
-    /// first paint. Null goes back to the plain background colour.
+    /// first paint. Null goes back to the plain background colour. Kept until replaced.
     virtual void setFrozenPicture(QWidget& window, std::shared_ptr<FrozenPicture> picture) = 0;
     /// Maps the windows above everything and flushes, so that all pictures are visible before any paint.
     virtual void show(const std::vector<QWidget*>& windows) = 0;

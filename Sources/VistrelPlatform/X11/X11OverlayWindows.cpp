@@ -127,6 +127,7 @@ void X11OverlayWindows::setFrozenPicture(QWidget& window, std::shared_ptr<Frozen
     Overlay& overlay = found->second;
     const PixelSize size{overlay.nativeRect.width(), overlay.nativeRect.height()};
     overlay.frozen = std::dynamic_pointer_cast<X11FrozenPicture>(std::move(picture));
+    overlay.frozenDrawn = false;
     if (overlay.frozen && overlay.frozen->size() != size)
         overlay.frozen.reset();
     // Without a background the window begins with what the screen shows.
@@ -141,9 +142,11 @@ void X11OverlayWindows::show(const std::vector<QWidget*>& windows) {
     for (QWidget* window : windows)
         map(*window);
     // Only then, as displays may overlap.
-    for (QWidget* window : windows)
-        if (const auto frozen = std::exchange(overlays.at(window).frozen, nullptr))
-            frozen->drawOn(connection, idOf(*window));
+    for (QWidget* window : windows) {
+        Overlay& overlay = overlays.at(window);
+        if (overlay.frozen && !std::exchange(overlay.frozenDrawn, true))
+            overlay.frozen->drawOn(connection, idOf(*window));
+    }
     xcb_flush(connection);
     watchOtherWindows();
     for (QWidget* window : windows) {

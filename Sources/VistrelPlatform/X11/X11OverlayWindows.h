@@ -35,8 +35,10 @@ protected:
 private:
     struct Overlay {
         QRect nativeRect;
-        /// Until it was shown once: then the toolkit paints it.
+        /// Kept while the server may still draw from it.
         std::shared_ptr<X11FrozenPicture> frozen;
+        /// Once: later the toolkit paints what the window shows.
+        bool frozenDrawn = false;
         OverlayLevel level = OverlayLevel::aboveEverything;
         bool shown = false;
     };
