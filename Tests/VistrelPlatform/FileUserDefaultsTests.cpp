@@ -83,6 +83,16 @@ TEST_F(FileUserDefaultsTests, whatOthersWriteWhileTheProgramRunsIsKept) {
     EXPECT_EQ(stored()[u"other"], true);
 }
 
+TEST_F(FileUserDefaultsTests, whatIsStoredAlreadyIsNotWrittenAgain) {
+    const QByteArray written = R"({"editorPanelScalePercentV2":70})";
+    writeFile(path, written);
+    FileUserDefaults defaults(path);
+    defaults.setNumber(scale, 70);
+    defaults.remove(u"never set"_s);
+    ASSERT_TRUE(defaults.synchronize());
+    EXPECT_EQ(readFile(path), written);
+}
+
 TEST_F(FileUserDefaultsTests, aFolderThatCannotBeWrittenLeavesTheValuesInTheProcess) {
     writeFile(path, "{\"a\": 1}");
     FileUserDefaults defaults(path);

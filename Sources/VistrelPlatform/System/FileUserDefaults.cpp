@@ -70,6 +70,9 @@ QJsonValue FileUserDefaults::value(const QString& key) const {
 
 void FileUserDefaults::setValue(const QString& key, const QJsonValue& value) {
     const QMutexLocker locker(&store->mutex);
+    // Each write waits for the disk, and every start stores the shortcuts again that it has read.
+    if (store->contains(key) && store->value(key).toJsonValue() == value)
+        return;
     store->setValue(key, QVariant::fromValue(value));
 }
 
@@ -121,5 +124,6 @@ void FileUserDefaults::setData(const QString& key, const QByteArray& value) {
 
 void FileUserDefaults::remove(const QString& key) {
     const QMutexLocker locker(&store->mutex);
-    store->remove(key);
+    if (store->contains(key))
+        store->remove(key);
 }
