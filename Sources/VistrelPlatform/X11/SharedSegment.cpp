@@ -1,5 +1,6 @@
 #include "VistrelPlatform/X11/SharedSegment.h"
 
+#include <fcntl.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -9,7 +10,8 @@ std::unique_ptr<SharedSegment> SharedSegment::create(std::shared_ptr<X11Connecti
     if (descriptor < 0)
         return nullptr;
     void* address = MAP_FAILED;
-    if (ftruncate(descriptor, static_cast<off_t>(bytes)) == 0)
+    // Not only as long, but there: the server would otherwise wait for each page, or end where there is none.
+    if (posix_fallocate(descriptor, 0, static_cast<off_t>(bytes)) == 0)
         address = mmap(nullptr, bytes, PROT_READ, MAP_SHARED, descriptor, 0);
     if (address == MAP_FAILED) {
         close(descriptor);
