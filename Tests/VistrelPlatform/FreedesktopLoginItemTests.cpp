@@ -26,7 +26,7 @@ protected:
     /// What the program noted, once it has run.
     QString noted() const {
         EXPECT_TRUE(waitUntil([this] { return QFile::exists(log); }));
-        const QString text = QString::fromUtf8(readFile(log));
+        QString text = QString::fromUtf8(readFile(log));
         QFile::remove(log);
         return text;
     }

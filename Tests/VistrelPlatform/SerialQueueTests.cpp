@@ -1,8 +1,8 @@
 #include "VistrelPlatform/System/SerialQueue.h"
 
+#include <array>
 #include <gtest/gtest.h>
 #include <thread>
-#include <vector>
 
 TEST(SerialQueue, destructionRunsWhatIsLeftAndWhatThatPosts) {
     int done = 0;
@@ -21,9 +21,9 @@ TEST(SerialQueue, manyThreadsPostAndWait) {
     SerialQueue queue("many", SerialQueue::Priority::utility);
     int sum = 0; // touched by the queue only
     {
-        std::vector<std::jthread> posters;
-        for (int poster = 0; poster < 4; ++poster)
-            posters.emplace_back([&] {
+        std::array<std::jthread, 4> posters;
+        for (std::jthread& poster : posters)
+            poster = std::jthread([&] {
                 for (int index = 0; index < 250; ++index)
                     queue.post([&] { ++sum; });
                 queue.drain();

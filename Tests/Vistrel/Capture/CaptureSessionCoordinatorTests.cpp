@@ -2,7 +2,9 @@
 #include "Capture/CaptureSessionCoordinator.h"
 #include "Support/EmptyDefaults.h"
 
+#include <QApplication>
 #include <QPromise>
+#include <QWidget>
 
 #include <gtest/gtest.h>
 

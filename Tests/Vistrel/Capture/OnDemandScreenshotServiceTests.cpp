@@ -112,7 +112,8 @@ TEST_F(OnDemandScreenshotServiceTests, PreparesOnceAndThenCapturesFromTheCache) 
 TEST_F(OnDemandScreenshotServiceTests, ConcurrentCallersShareOnePreparationAndAnInvalidationCancelsThem) {
     QSemaphore release;
     std::atomic<int> built = 0;
-    const auto builder = [&](const std::vector<OnDemandScreenshotService::Geometry>& key, std::stop_token) {
+    const auto builder = [&](const std::vector<OnDemandScreenshotService::Geometry>& key,
+                             const std::stop_token&) {
         ++built;
         release.acquire();
         OnDemandScreenshotService::Prepared prepared;

@@ -6,6 +6,7 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QMimeData>
+#include <QPainter>
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;

@@ -33,7 +33,8 @@ protected:
 
     void open(ScreenshotSaveFormat format = ScreenshotSaveFormat::png) {
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        panel.open(overlay, format, moment, [this](std::optional<QString> path) { answers.append(path); });
+        panel.open(overlay, format, moment,
+                   [this](const std::optional<QString>& path) { answers.append(path); });
         dialog()->setDirectory(folder.path());
     }
     QFileDialog* dialog() { return overlay.findChild<QFileDialog*>(u"savePanel"_s); }

@@ -8,6 +8,7 @@
 #include <QCoreApplication>
 #include <QFuture>
 #include <QTcpServer>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 

@@ -18,7 +18,7 @@ inline void writeInstalledTree(const QString& prefix, const QByteArray& version)
 
 /// Packed as it is published; where the archive is.
 inline QString packTree(const QString& folder) {
-    const QString archive = folder + QStringLiteral(".tar.gz");
+    QString archive = folder + QStringLiteral(".tar.gz");
     QProcess::execute(QStringLiteral("tar"), {QStringLiteral("-C"), QFileInfo(folder).path(),
                                               QStringLiteral("-czf"), archive, QFileInfo(folder).fileName()});
     return archive;
