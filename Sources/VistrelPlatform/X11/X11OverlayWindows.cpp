@@ -147,7 +147,8 @@ void X11OverlayWindows::show(const std::vector<QWidget*>& windows) {
         if (overlay.frozen && !std::exchange(overlay.frozenDrawn, true))
             overlay.frozen->drawOn(connection, idOf(*window));
     }
-    xcb_flush(connection);
+    // The toolkit's turn takes a processor that the server and those who look on need now.
+    xcbReply<xcb_get_input_focus_reply>(connection, xcb_get_input_focus(connection));
     watchOtherWindows();
     for (QWidget* window : windows) {
         window->show();
