@@ -51,6 +51,8 @@ public:
 
     /// Left click, right click, the menu by keyboard, and the left click again.
     void useIcon() {
+        // A panel that has just come may still move what it took in.
+        settled(strip, 30);
         const QPoint item = icon().center();
         session.input().click(item);
         ASSERT_TRUE(waitFor("captureReady") && closeCapture());
