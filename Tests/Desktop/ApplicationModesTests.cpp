@@ -1,8 +1,7 @@
 #include "Desktop/InstalledTree.h"
 #include "Desktop/VistrelOnDesktop.h"
+#include "Support/Provided.h"
 #include "Support/TestFiles.h"
-
-#include <QStandardPaths>
 
 #include <gtest/gtest.h>
 
@@ -104,9 +103,8 @@ TEST(ApplicationModes, TheIconsetHasTenPicturesOfTheirSizesAndTheDiagnosticsEver
 }
 
 TEST(ApplicationModes, TheDiagnosticsAskTheDesktopThatRuns) {
-    for (const QString& program : {u"xfconf-query"_s, u"kglobalaccel5"_s})
-        if (QStandardPaths::findExecutable(program).isEmpty())
-            GTEST_SKIP() << program.toStdString() << " is not installed";
+    if (!provided({"xfconf-query", "kglobalaccel5"}))
+        return;
     VistrelOnDesktop vistrel({.screenSize = {640, 480}, .sessionBus = true});
     const auto conflicts = [&](const char* desktop) {
         vistrel.session.setEnvironment("XDG_CURRENT_DESKTOP", desktop);

@@ -1,7 +1,6 @@
 #include "Desktop/VistrelOnDesktop.h"
+#include "Support/Provided.h"
 #include "Support/TestFiles.h"
-
-#include <QStandardPaths>
 
 #include <gtest/gtest.h>
 
@@ -55,7 +54,7 @@ public:
         settled(strip, 30);
         const QPoint item = icon().center();
         session.input().click(item);
-        ASSERT_TRUE(waitFor("captureReady") && closeCapture());
+        ASSERT_TRUE(isReady() && closeCapture());
         session.input().click(item, 3);
         ASSERT_TRUE(waitUntil([&] { return !menu().isNull(); }));
         // It is on the screen a little before it has the keyboard.
@@ -72,7 +71,7 @@ public:
         key(Key::escape);
         ASSERT_TRUE(closes(settingsWindow) && waitUntil([&] { return menu().isNull(); }));
         session.input().click(item);
-        ASSERT_TRUE(waitFor("captureReady", 2) && closeCapture());
+        ASSERT_TRUE(isReady(2) && closeCapture());
     }
 
     static constexpr QRect strip{0, 680, 1280, 40};
@@ -82,8 +81,8 @@ public:
 } // namespace
 
 TEST(ApplicationTray, APanelThatEmbedsWindowsShowsTheItemInItsOwnColoursWheneverItComes) {
-    if (QStandardPaths::findExecutable(u"tint2"_s).isEmpty())
-        GTEST_SKIP() << "tint2 is not installed";
+    if (!provided({"tint2"}))
+        return;
     PanelOnDesktop vistrel;
     const QString settings = vistrel.session.configHome() + u"/panel"_s;
     vistrel.start();
@@ -102,8 +101,8 @@ TEST(ApplicationTray, APanelThatEmbedsWindowsShowsTheItemInItsOwnColoursWhenever
 }
 
 TEST(ApplicationTray, APanelThatAsksOverTheBusShowsTheItemWheneverItComes) {
-    if (QStandardPaths::findExecutable(u"lxqt-panel"_s).isEmpty())
-        GTEST_SKIP() << "lxqt-panel is not installed";
+    if (!provided({"lxqt-panel"}))
+        return;
     PanelOnDesktop vistrel(desktopWithBus());
     vistrel.start();
     // The encoded colour is #202020.

@@ -48,8 +48,10 @@ public:
 
     /// Presses the shortcut once.
     void pressShortcut();
-    /// Presses the shortcut and waits until the overlay is confirmed.
+    /// Presses the shortcut and waits until the overlay has the keyboard.
     bool capture();
+    /// Waits until the overlay has come for the nth time and has the keyboard.
+    bool isReady(int times = 1);
     /// Drags out a selection and waits for it.
     bool select(QRect area);
     /// Copies, and waits for the end of the capture; the picture in the clipboard.
@@ -60,7 +62,8 @@ public:
     void key(KeyCode key, ModifierMask modifiers = 0) { session.input().chord(modifiers, key); }
     void type(const QString& text) { session.input().type(text); }
 
-    /// The journal, oldest first; unreadable lines are a failure of the test.
+    /// The journal, oldest first; unreadable lines are a failure of the test. A capture that stands, but came
+    /// later than its report vouches for, is as ready as any: the machine may be busy.
     std::vector<QJsonObject> events() const;
     /// The journal's actions in order, without the phases of captures.
     QStringList actions() const;

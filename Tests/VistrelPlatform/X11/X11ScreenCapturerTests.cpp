@@ -1,9 +1,9 @@
 #include "VistrelPlatform/X11/X11ScreenCapturer.h"
 
+#include "Support/Provided.h"
 #include "VistrelPlatform/X11/X11TestPictures.h"
 #include "VistrelPlatform/X11/X11TestSession.h"
 
-#include <QStandardPaths>
 #include <QWidget>
 
 #include <gtest/gtest.h>
@@ -150,14 +150,13 @@ TEST_F(X11ScreenCapturerTest, LeavesFramesOutAndHasACompositorLeaveWindowsOut) {
     QWidget window;
     open(window, {300, 200, 240, 180});
     ASSERT_TRUE(shows({400, 300}));
-    settle();
-    ASSERT_GT(window.frameGeometry().height(), window.height());
+    ASSERT_TRUE(waitUntil([&] { return window.frameGeometry().height() > window.height(); }));
     EXPECT_EQ(captureLeft(), background.copy(left));
     window.hide();
     ASSERT_TRUE(waitUntil([&] { return client.pixels(left) == background.copy(left); }));
 
-    if (QStandardPaths::findExecutable(u"picom"_s).isEmpty())
-        GTEST_SKIP() << "there is no compositor here";
+    if (!provided({"picom"}))
+        return;
     const auto compositor =
         testSession().start(u"picom"_s, {u"--backend"_s, u"xrender"_s, u"--config"_s, u"/dev/null"_s});
     const auto owner = [&] {

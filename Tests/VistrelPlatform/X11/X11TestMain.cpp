@@ -2,9 +2,11 @@
 
 #include "Desktop/Fixture/Waiting.h"
 
+#include <QAbstractNativeEventFilter>
 #include <QApplication>
 #include <QScreen>
 #include <QStandardPaths>
+#include <QWindow>
 
 #include <gtest/gtest.h>
 
@@ -28,6 +30,42 @@ void useMonitors(const std::vector<MonitorSetup>& monitors) {
         });
         if (!noticed)
             qFatal("the toolkit did not notice the monitors");
+    }
+}
+
+void settle() {
+    struct Marker : QAbstractNativeEventFilter {
+        explicit Marker(xcb_window_t its) : window(its) {
+            QCoreApplication::instance()->installNativeEventFilter(this);
+        }
+        bool nativeEventFilter(const QByteArray&, void* message, qintptr*) override {
+            const auto* event = static_cast<xcb_client_message_event_t*>(message);
+            const bool isOurs =
+                (event->response_type & 0x7F) == XCB_CLIENT_MESSAGE && event->window == window;
+            arrived += isOurs;
+            return isOurs;
+        }
+        const xcb_window_t window;
+        int arrived = 0;
+    };
+    QWindow window;
+    window.create();
+    Marker marker(static_cast<xcb_window_t>(window.winId()));
+    XClient& client = currentSession->client();
+    // The answers to what the toolkit does about one round come before the message of the next.
+    constexpr int rounds = 4;
+    for (int round = 1; round <= rounds; ++round) {
+        xcb_client_message_event_t message{};
+        message.response_type = XCB_CLIENT_MESSAGE;
+        message.format = 32;
+        message.window = marker.window;
+        message.type = client.atom("_VISTREL_TEST_MARKER");
+        // Without a mask it goes to the program that made the window.
+        xcb_send_event(client.connection(), 0, marker.window, XCB_EVENT_MASK_NO_EVENT,
+                       reinterpret_cast<const char*>(&message));
+        client.synchronize();
+        if (!waitUntil([&] { return marker.arrived >= round; }))
+            qFatal("the toolkit does not read what the server tells it");
     }
 }
 

@@ -8,7 +8,6 @@ inline constexpr QSize testScreenSize{2400, 1200};
 DesktopSession& testSession();
 /// Gives the session these monitors, and returns when the toolkit has noticed all of it.
 void useMonitors(const std::vector<MonitorSetup>& monitors);
-/// Everything the toolkit and the server have to do up to now is done.
-inline void settle() {
-    waitUntil([] { return false; }, std::chrono::milliseconds(100));
-}
+/// Returns when the toolkit has handled all that the server had told it up to now, and what that brought
+/// about.
+void settle();
