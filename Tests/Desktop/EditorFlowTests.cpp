@@ -83,9 +83,11 @@ TEST_F(EditorFlow, EveryToolDrawsAndTheHistoryLeadsToNothingAndBack) {
         EXPECT_EQ(editor.steps(2), expected);
         ++count;
         const QRect part = QRect(corner, QSize(90, 90)).adjusted(-20, -20, 20, 20);
-        const QImage after = editor.settledSelection();
-        EXPECT_NE(after.copy(part), before.copy(part)) << "nothing was drawn: " << expected;
-        before = after;
+        EXPECT_TRUE(waitUntil([&] {
+            return editor.session.screenPixels(part.translated(wideArea.topLeft())) != before.copy(part);
+        })) << "nothing was drawn: "
+            << expected;
+        before = editor.settledSelection();
     }
     editor.click(editor.toolButton(Editor::text));
     editor.click(wideArea.topLeft() + QPoint(40, 390));
@@ -293,11 +295,14 @@ TEST_F(EditorFlow, LayersAreChosenDraggedAndDeletedInTheList) {
 
     // Held at the lower edge the list scrolls to its end, and the layer becomes the oldest.
     XTestInput& input = editor.session.input();
+    const QRect lastRow(editor.rowIcon(4) - QPoint(8, 8), QSize(120, 16));
+    const QImage before = editor.settled(lastRow);
     input.movePointer(editor.rowIcon(0));
     input.pressButton();
     input.movePointer(editor.rowIcon(2));
     input.movePointer(editor.rowIcon(4) + QPoint(0, 11));
-    editor.settled(QRect(editor.rowIcon(4) - QPoint(8, 8), QSize(120, 16)), 100);
+    EXPECT_TRUE(waitUntil([&] { return editor.session.screenPixels(lastRow) != before; }));
+    editor.settled(lastRow, 100);
     input.releaseButton();
     EXPECT_EQ(editor.steps(), "layerReordered(4,16,7)");
     EXPECT_EQ(chosen(4), "layerSelected(4,16,7)") << "the list is scrolled to its end";
