@@ -36,7 +36,6 @@ void OverlayPresenter::rebuild(const std::vector<Screen>& screens) {
         auto window = std::make_unique<CaptureOverlayWindow>(screen, services.preferences,
                                                              services.overlayWindows.windowFlags());
         services.overlayWindows.prepare(*window, screen);
-        window->view().installEventFilter(this);
         windows.push_back(std::move(window));
     }
     prepareText();
@@ -277,18 +276,6 @@ void OverlayPresenter::applicationBecameActive() {
             target->view().setFocus();
     }
     observeInputFocus();
-}
-
-bool OverlayPresenter::eventFilter(QObject* watched, QEvent* event) {
-    // No window manager gives an overlay window the keyboard on a click, so the click itself takes it.
-    if (event->type() == QEvent::MouseButtonPress) {
-        const auto pressed = std::ranges::find_if(
-            shown, [watched](auto* window) { return static_cast<QObject*>(&window->view()) == watched; });
-        if (pressed != shown.end() && !(*pressed)->dialogAttached &&
-            !services.overlayWindows.hasKeyboardFocus(**pressed))
-            services.overlayWindows.takeFocus(**pressed);
-    }
-    return QObject::eventFilter(watched, event);
 }
 
 void OverlayPresenter::selectionStarted(CaptureOverlayWindow& window) {

@@ -63,9 +63,6 @@ public:
     std::function<void(const QImage&, CaptureOverlayWindow&)> onSave;
     std::function<void(const QImage&, QWidget& anchor, CaptureOverlayWindow&)> onShare;
 
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
-
 private:
     using Timing = std::shared_ptr<CaptureTiming>;
     using Shown = std::vector<CaptureOverlayWindow*>;

@@ -11,18 +11,12 @@
 #include <QWidget>
 #include <QWindow>
 
-#include <xcb/xinput.h>
-
 #include <algorithm>
 
 namespace {
 
 /// sRGB 0.3 grey.
 constexpr std::uint32_t plainBackground = 0x4D4D4D;
-/// Focus taken away by another program is taken back this long after, so often, until it stays this long.
-constexpr int refocusDelayMS = 50;
-constexpr int mostFocusAttempts = 10;
-constexpr int focusCalmMS = 3000;
 
 xcb_window_t idOf(const QWidget& window) {
     const QWindow* handle = window.windowHandle();
@@ -42,33 +36,40 @@ void refuseShadow(xcb_connection_t* connection, xcb_window_t window) {
                         internAtom(connection, "_GTK_FRAME_EXTENTS"), XCB_ATOM_CARDINAL, 32, 4, none);
 }
 
-/// Windows of ours that a window manager manages, such as the settings, stand below every overlay.
-bool liesBehindOverlays(xcb_window_t id) {
-    const QWidgetList all = QApplication::topLevelWidgets();
-    return std::ranges::any_of(all, [id](const QWidget* widget) {
-        return widget->internalWinId() == id && widget->windowType() != Qt::Popup &&
-               !widget->windowFlags().testFlag(Qt::X11BypassWindowManagerHint);
-    });
-}
+/// Meanwhile windows that go from under the pointer are no movement of it, which some window managers would
+/// have the keyboard follow.
+class PointerStandsStill {
+public:
+    PointerStandsStill(xcb_connection_t* xcb, xcb_window_t root) : connection(xcb) {
+        const auto cookie =
+            xcb_grab_pointer_unchecked(connection, 0, root, 0, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC,
+                                       XCB_NONE, XCB_NONE, XCB_CURRENT_TIME);
+        xcb_discard_reply(connection, cookie.sequence);
+    }
+    PointerStandsStill(const PointerStandsStill&) = delete;
+    PointerStandsStill& operator=(const PointerStandsStill&) = delete;
+    ~PointerStandsStill() {
+        xcb_ungrab_pointer(connection, XCB_CURRENT_TIME);
+        xcb_flush(connection);
+    }
+
+private:
+    xcb_connection_t* connection;
+};
 
 } // namespace
 
-X11OverlayWindows::X11OverlayWindows() : connection(toolkitConnection()), stacking(connection) {
+X11OverlayWindows::X11OverlayWindows()
+    : connection(toolkitConnection()), stacking(connection), keyboard(connection) {
     root = rootWindow(connection);
-    xcb_prefetch_extension_data(connection, &xcb_input_id);
     rootEventMask = ownEventMask(connection, root);
-    const xcb_query_extension_reply_t* input = xcb_get_extension_data(connection, &xcb_input_id);
-    if (input && input->present)
-        inputOpcode = input->major_opcode;
     restackSoon.setSingleShot(true);
     restackSoon.setInterval(0);
     connect(&restackSoon, &QTimer::timeout, this, &X11OverlayWindows::restoreStacking);
-    refocusSoon.setSingleShot(true);
-    refocusSoon.setInterval(refocusDelayMS);
-    connect(&refocusSoon, &QTimer::timeout, this, &X11OverlayWindows::focusLost);
-    focusCalm.setSingleShot(true);
-    focusCalm.setInterval(focusCalmMS);
-    connect(&focusCalm, &QTimer::timeout, this, [this] { focusAttempts = 0; });
+    keyboard.onReturned = [this](QWidget& window) {
+        if (onKeyboardFocus && overlays.contains(&window))
+            onKeyboardFocus();
+    };
     QCoreApplication::instance()->installNativeEventFilter(this);
 }
 
@@ -94,9 +95,7 @@ void X11OverlayWindows::prepare(QWidget& window, const Screen& screen) {
     if (!overlays.contains(&window)) {
         connect(&window, &QObject::destroyed, this, [this, key = &window] {
             overlays.erase(key);
-            if (focusHolder == key)
-                focusHolder = nullptr;
-            watchOtherWindows();
+            overlaysChanged();
         });
     }
     Overlay& overlay = overlays[&window];
@@ -148,8 +147,10 @@ void X11OverlayWindows::show(const std::vector<QWidget*>& windows) {
             overlay.frozen->drawOn(connection, idOf(*window));
     }
     // The toolkit's turn takes a processor that the server and those who look on need now.
-    xcbReply<xcb_get_input_focus_reply>(connection, xcb_get_input_focus(connection));
-    watchOtherWindows();
+    const auto focus = xcbReply<xcb_get_input_focus_reply>(connection, xcb_get_input_focus(connection));
+    if (focus)
+        keyboard.begin(*focus);
+    overlaysChanged();
     for (QWidget* window : windows) {
         window->show();
         forceGeometry(idOf(*window), overlays.at(window));
@@ -173,11 +174,11 @@ void X11OverlayWindows::map(QWidget& window) {
 void X11OverlayWindows::hide(QWidget& window) {
     if (const auto found = overlays.find(&window); found != overlays.end())
         found->second.shown = false;
-    if (focusHolder == &window)
-        focusHolder = nullptr;
+    // First, so that it goes from this window to the next without a moment in which it is nobody's.
+    keyboard.drop(window);
+    overlaysChanged();
+    const PointerStandsStill still(connection, root);
     window.hide();
-    watchOtherWindows();
-    xcb_flush(connection);
 }
 
 void X11OverlayWindows::setLevel(QWidget& window, OverlayLevel level) {
@@ -189,12 +190,14 @@ void X11OverlayWindows::setLevel(QWidget& window, OverlayLevel level) {
         restackSoon.start();
 }
 
-void X11OverlayWindows::watchOtherWindows() {
+void X11OverlayWindows::overlaysChanged() {
     const bool anyShown = std::ranges::any_of(overlays, [](const auto& row) { return row.second.shown; });
     std::uint32_t mask = rootEventMask;
     if (anyShown)
         mask |= XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
     xcb_change_window_attributes(connection, root, XCB_CW_EVENT_MASK, &mask);
+    if (!anyShown)
+        keyboard.end();
 }
 
 void X11OverlayWindows::restoreStacking() {
@@ -204,20 +207,48 @@ void X11OverlayWindows::restoreStacking() {
 }
 
 bool X11OverlayWindows::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::Expose) {
+    auto* dialog = qobject_cast<QWidget*>(watched);
+    switch (event->type()) {
+    case QEvent::Expose:
         // The toolkit paints while it handles this; afterwards the paint has reached the server.
         for (const auto& row : overlays)
             if (row.first->windowHandle() == watched && row.second.shown)
                 QTimer::singleShot(0, row.first, [this, window = row.first] { dropBackground(*window); });
-    } else if (event->type() == QEvent::Show) {
-        auto* dialog = qobject_cast<QWidget*>(watched);
-        if (dialog && !overlays.contains(dialog))
-            QTimer::singleShot(0, dialog, [this, dialog] {
-                dialog->raise();
-                takeFocus(*dialog);
-            });
+        break;
+    case QEvent::MouseButtonPress:
+        // No window manager gives these windows the keyboard on a click, so the click itself takes it.
+        if (QWidget* window = dialog ? nullptr : widgetOf(*watched); window && !keyboard.has(*window))
+            keyboard.give(*window);
+        break;
+    case QEvent::Show:
+        if (dialog) {
+            // It is not on the screen yet.
+            keyboard.give(*dialog);
+            QTimer::singleShot(0, dialog, [this, dialog] { bringForward(*dialog); });
+        }
+        break;
+    case QEvent::Hide:
+        if (dialog)
+            keyboard.drop(*dialog);
+        break;
+    default:
+        break;
     }
     return false;
+}
+
+QWidget* X11OverlayWindows::widgetOf(const QObject& handle) const {
+    const QWidgetList all = QApplication::topLevelWidgets();
+    const auto found = std::ranges::find(all, &handle, &QWidget::windowHandle);
+    return found != all.end() ? *found : nullptr;
+}
+
+void X11OverlayWindows::bringForward(QWidget& dialog) {
+    if (!dialog.isVisible())
+        return;
+    dialog.windowHandle()->installEventFilter(this);
+    dialog.raise();
+    keyboard.give(dialog);
 }
 
 void X11OverlayWindows::dropBackground(QWidget& window) {
@@ -231,57 +262,11 @@ void X11OverlayWindows::dropBackground(QWidget& window) {
 }
 
 void X11OverlayWindows::takeFocus(QWidget& window) {
-    if (overlays.contains(&window))
-        focusHolder = &window;
-    window.activateWindow();
-    const xcb_window_t id = idOf(window);
-    if (!setFocus(id, latestTime) || focusedWindow() != id)
-        setFocus(id, XCB_CURRENT_TIME);
-    // The toolkit may still take a window it has hidden for the focused one: it would then not notice
-    // that the keyboard came back, and no widget in it would have the focus.
-    if (window.windowHandle() == QGuiApplication::focusWindow() && QApplication::activeWindow() != &window)
-        QApplication::setActiveWindow(&window);
-}
-
-bool X11OverlayWindows::setFocus(xcb_window_t id, xcb_timestamp_t time) const {
-    const auto cookie = xcb_set_input_focus_checked(connection, XCB_INPUT_FOCUS_PARENT, id, time);
-    return !XcbOwned<xcb_generic_error_t>(xcb_request_check(connection, cookie));
-}
-
-xcb_window_t X11OverlayWindows::focusedWindow() const {
-    const auto reply = xcbReply<xcb_get_input_focus_reply>(connection, xcb_get_input_focus(connection));
-    return reply ? reply->focus : XCB_NONE;
+    keyboard.give(window);
 }
 
 bool X11OverlayWindows::hasKeyboardFocus(const QWidget& window) const {
-    const xcb_window_t id = idOf(window);
-    return id != XCB_NONE && focusedWindow() == id;
-}
-
-void X11OverlayWindows::focusReturned(xcb_window_t id) {
-    const bool isOverlay = std::ranges::any_of(
-        overlays, [id](const auto& row) { return row.second.shown && idOf(*row.first) == id; });
-    // The toolkit gets to know it first.
-    if (isOverlay)
-        QTimer::singleShot(0, this, [this] {
-            if (onKeyboardFocus)
-                onKeyboardFocus();
-        });
-}
-
-void X11OverlayWindows::focusLost() {
-    const auto found = overlays.find(focusHolder);
-    if (found == overlays.end() || !found->second.shown ||
-        found->second.level != OverlayLevel::aboveEverything)
-        return;
-    const xcb_setup_t* setup = xcb_get_setup(connection);
-    const TopLevelWindows::Client ours{setup->resource_id_base, setup->resource_id_mask};
-    const xcb_window_t focused = focusedWindow();
-    if ((ours.owns(focused) && !liesBehindOverlays(focused)) || focusAttempts >= mostFocusAttempts)
-        return;
-    ++focusAttempts;
-    focusCalm.start();
-    setFocus(idOf(*focusHolder), XCB_CURRENT_TIME);
+    return keyboard.has(window);
 }
 
 void X11OverlayWindows::prepareDialog(QWidget& dialog) {
@@ -291,31 +276,10 @@ void X11OverlayWindows::prepareDialog(QWidget& dialog) {
     dialog.installEventFilter(this);
 }
 
-void X11OverlayWindows::noticeTime(const xcb_generic_event_t& event) {
-    switch (event.response_type & 0x7F) {
-    case XCB_KEY_PRESS:
-    case XCB_KEY_RELEASE:
-    case XCB_BUTTON_PRESS:
-    case XCB_BUTTON_RELEASE:
-    case XCB_MOTION_NOTIFY:
-        latestTime = reinterpret_cast<const xcb_key_press_event_t&>(event).time;
-        break;
-    case XCB_GE_GENERIC:
-        // Every event of the input extension begins alike.
-        if (inputOpcode != 0 &&
-            reinterpret_cast<const xcb_ge_generic_event_t&>(event).extension == inputOpcode)
-            latestTime = reinterpret_cast<const xcb_input_raw_key_press_event_t&>(event).time;
-        break;
-    default:
-        break;
-    }
-}
-
 bool X11OverlayWindows::nativeEventFilter(const QByteArray& type, void* message, qintptr*) {
     if (type != "xcb_generic_event_t")
         return false;
-    const auto& event = *static_cast<const xcb_generic_event_t*>(message);
-    noticeTime(event);
+    auto& event = *static_cast<xcb_generic_event_t*>(message);
     switch (event.response_type & 0x7F) {
     case XCB_VISIBILITY_NOTIFY:
         if (reinterpret_cast<const xcb_visibility_notify_event_t&>(event).state != XCB_VISIBILITY_UNOBSCURED)
@@ -329,22 +293,8 @@ bool X11OverlayWindows::nativeEventFilter(const QByteArray& type, void* message,
         if (reinterpret_cast<const xcb_configure_notify_event_t&>(event).event == root)
             restackSoon.start();
         break;
-    case XCB_FOCUS_IN: {
-        const auto& focus = reinterpret_cast<const xcb_focus_in_event_t&>(event);
-        if (focus.mode == XCB_NOTIFY_MODE_NORMAL && focus.detail != XCB_NOTIFY_DETAIL_POINTER)
-            focusReturned(focus.event);
-        break;
-    }
-    case XCB_FOCUS_OUT: {
-        const auto& focus = reinterpret_cast<const xcb_focus_out_event_t&>(event);
-        const bool ours = focusHolder && focus.event == idOf(*focusHolder);
-        // A grab comes and goes; an inferior is still ours.
-        if (ours && focus.mode != XCB_NOTIFY_MODE_GRAB && focus.detail != XCB_NOTIFY_DETAIL_INFERIOR)
-            refocusSoon.start();
-        break;
-    }
     default:
         break;
     }
-    return false;
+    return keyboard.filter(event);
 }

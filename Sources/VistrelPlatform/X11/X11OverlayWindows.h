@@ -1,6 +1,7 @@
 #pragma once
 
 #include "VistrelPlatform/OverlayWindows.h"
+#include "VistrelPlatform/X11/FrontKeyboard.h"
 #include "VistrelPlatform/X11/OverlayStacking.h"
 #include "VistrelPlatform/X11/X11FrozenPicture.h"
 
@@ -44,29 +45,21 @@ private:
     };
 
     bool nativeEventFilter(const QByteArray& type, void* message, qintptr* result) override;
-    void noticeTime(const xcb_generic_event_t& event);
     void map(QWidget& window);
     void forceGeometry(xcb_window_t id, const Overlay& overlay) const;
     void dropBackground(QWidget& window);
-    void watchOtherWindows();
+    /// One was shown, hidden or destroyed.
+    void overlaysChanged();
     void restoreStacking();
-    void focusLost();
-    void focusReturned(xcb_window_t id);
-    bool setFocus(xcb_window_t id, xcb_timestamp_t time) const;
-    xcb_window_t focusedWindow() const;
+    QWidget* widgetOf(const QObject& handle) const;
+    void bringForward(QWidget& dialog);
 
     xcb_connection_t* connection;
     xcb_window_t root = XCB_NONE;
     /// What the toolkit itself listens to on the root.
     std::uint32_t rootEventMask = 0;
-    std::uint8_t inputOpcode = 0;
     OverlayStacking stacking;
+    FrontKeyboard keyboard;
     std::map<QWidget*, Overlay> overlays;
-    /// Of the last key, button or motion event: what a focus change must not be older than.
-    xcb_timestamp_t latestTime = XCB_CURRENT_TIME;
-    QWidget* focusHolder = nullptr;
-    int focusAttempts = 0;
     QTimer restackSoon;
-    QTimer refocusSoon;
-    QTimer focusCalm;
 };

@@ -30,7 +30,8 @@ ChildProgram::Environment inheritedEnvironment() {
 
 } // namespace
 
-DesktopSession::DesktopSession(const Options& options) : variables(inheritedEnvironment()) {
+DesktopSession::DesktopSession(const Options& options)
+    : managerCommand(options.managerCommand), variables(inheritedEnvironment()) {
     if (!directory.isValid())
         qFatal("no temporary folder");
     for (const auto& [variable, name] : {std::pair("HOME", "home"),
@@ -98,7 +99,7 @@ void DesktopSession::startBus() {
 }
 
 void DesktopSession::startWindowManager() {
-    manager = start(QStringLiteral("openbox"), {QStringLiteral("--sm-disable")});
+    manager = start(managerCommand.first(), managerCommand.mid(1));
     // It announces itself before it handles events, and may then sleep on one that it has read already:
     // so a window is put up, and the manager nudged, until it has taken care of that window.
     const xcb_window_t probe = observer->createWindow({.rect = {0, 0, 10, 10}, .overrideRedirect = false});

@@ -19,6 +19,8 @@ public:
         /// "L=2;R=1", for the programs started here.
         QString scaleFactors = {};
         bool windowManager = false;
+        /// Which one; it may want a session bus.
+        QStringList managerCommand = {QStringLiteral("openbox"), QStringLiteral("--sm-disable")};
         bool sessionBus = false;
     };
 
@@ -63,6 +65,7 @@ private:
     QString outputStem(const QString& program);
 
     QTemporaryDir directory;
+    QStringList managerCommand;
     ChildProgram::Environment variables;
     QByteArray display;
     int startedPrograms = 0;

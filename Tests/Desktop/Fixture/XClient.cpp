@@ -236,6 +236,19 @@ xcb_window_t XClient::focusedWindow() {
     return reply ? reply->focus : XCB_NONE;
 }
 
+void XClient::focus(xcb_window_t window) {
+    xcb_set_input_focus(xcb, XCB_INPUT_FOCUS_PARENT, window, XCB_CURRENT_TIME);
+    synchronize();
+}
+
+int XClient::pressedKeys() {
+    synchronize();
+    int count = 0;
+    while (const auto event = own(xcb_poll_for_event(xcb)))
+        count += (event->response_type & 0x7F) == XCB_KEY_PRESS ? 1 : 0;
+    return count;
+}
+
 void XClient::touchRoot() {
     xcb_delete_property(xcb, screen->root, atom("_VISTREL_TEST_TOUCH"));
     xcb_change_property(xcb, XCB_PROP_MODE_REPLACE, screen->root, atom("_VISTREL_TEST_TOUCH"),

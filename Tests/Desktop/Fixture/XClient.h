@@ -70,6 +70,9 @@ public:
     /// Viewable children of the root, lowest first.
     std::vector<MappedWindow> mappedWindows();
     xcb_window_t focusedWindow();
+    void focus(xcb_window_t window);
+    /// How many keys went down in this client's windows since it was asked last; other events are dropped.
+    int pressedKeys();
     /// Wakes whoever watches the root's properties.
     void touchRoot();
     std::vector<std::uint32_t> windowProperty(xcb_window_t window, const QByteArray& name);
