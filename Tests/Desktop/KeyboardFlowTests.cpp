@@ -146,3 +146,29 @@ TEST_P(KeyboardFlow, EveryKeyGoesToTheFrontWindowAndTheOneBeforeHasThemAgain) {
 
 INSTANTIATE_TEST_SUITE_P(Managers, KeyboardFlow, ::testing::ValuesIn(managers),
                          [](const auto& row) { return std::string(row.param.name); });
+
+TEST_F(KeyboardFlowAlone, AClickOnAPanelTakesTheKeyboardFromAProgramThatInsistsOnIt) {
+    // As often as it is taken back without one.
+    for (int round = 0; round < 10; ++round) {
+        other.focus(terminal);
+        ASSERT_TRUE(comesBackTo(overlay)) << round;
+    }
+    other.focus(terminal);
+    editor.click(editor.toolButton(Editor::pen));
+    EXPECT_TRUE(waitUntil([&] { return hasFocus(overlay); }, std::chrono::seconds(2)));
+}
+
+TEST_F(KeyboardFlowAlone, AnOpenMenuOfAnotherProgramKeepsItsKeysUntilItCloses) {
+    ASSERT_TRUE(editor.closeCapture() && other.grabKeyboard() && editor.capture() && editor.select(wideArea));
+    other.pressedKeys();
+    EXPECT_TRUE(terminalGets(1));
+    other.ungrabKeyboard();
+    ASSERT_TRUE(waitUntil([&] {
+        const bool ours = !other.grabKeyboard();
+        other.ungrabKeyboard();
+        return ours;
+    }));
+    other.focus(terminal);
+    EXPECT_TRUE(canvasTakes('p'));
+    EXPECT_EQ(other.pressedKeys(), 0);
+}

@@ -108,6 +108,11 @@ void FrontKeyboard::give(QWidget& window) {
     focusFront();
 }
 
+void FrontKeyboard::pressed(QWidget& window) {
+    if (front() != &window || focusedWindow() != idOf(window))
+        give(window);
+}
+
 void FrontKeyboard::drop(const QWidget& window) {
     const bool wasFront = front() == &window;
     std::erase(order, &window);

@@ -23,6 +23,8 @@ public:
     void end();
     /// `window` is the front one from now on, until another is or it is dropped.
     void give(QWidget& window);
+    /// The user pressed into `window`: as `give`, where that changes anything.
+    void pressed(QWidget& window);
     void drop(const QWidget& window);
     /// Another program's window hides all of ours, as a screen locker's does, and may have the keyboard.
     void setCovered(bool covered);

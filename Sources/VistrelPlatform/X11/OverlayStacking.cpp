@@ -16,23 +16,34 @@ TopLevelWindows::Client clientOf(xcb_connection_t* connection) {
 
 OverlayStacking::OverlayStacking(xcb_connection_t* toolkitOfOverlay) : toolkit(toolkitOfOverlay) {}
 
-void OverlayStacking::restore(xcb_window_t overlay, QRect rect) {
+std::vector<TopLevelWindow> OverlayStacking::stackFrom(xcb_window_t overlay, QRect rect) {
     if (!windows) {
         connection = std::make_shared<X11Connection>(QByteArray());
         windows.emplace(connection, clientOf(toolkit));
     }
     connection->discardEvents();
-    const std::vector<TopLevelWindow> all = windows->visible(rect);
-    const auto self = std::ranges::find(all, overlay, &TopLevelWindow::id);
+    std::vector<TopLevelWindow> all = windows->visible(rect);
+    all.erase(all.begin(), std::ranges::find(all, overlay, &TopLevelWindow::id));
+    return all;
+}
+
+bool OverlayStacking::isCovered(xcb_window_t overlay, QRect rect) {
+    return std::ranges::any_of(stackFrom(overlay, rect), [&](const TopLevelWindow& window) {
+        return !window.own && window.rect.contains(rect);
+    });
+}
+
+void OverlayStacking::restore(xcb_window_t overlay, QRect rect) {
+    const std::vector<TopLevelWindow> stack = stackFrom(overlay, rect);
     const auto covering = [&](const TopLevelWindow& window) {
         return !window.own && !window.rect.contains(rect);
     };
-    if (std::none_of(self, all.end(), covering) || !mayRaise())
+    if (std::ranges::none_of(stack, covering) || !mayRaise())
         return;
     const std::uint32_t above = XCB_STACK_MODE_ABOVE;
-    for (auto window = self; window != all.end(); ++window)
-        if (window->own)
-            xcb_configure_window(toolkit, window->id, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+    for (const TopLevelWindow& window : stack)
+        if (window.own)
+            xcb_configure_window(toolkit, window.id, XCB_CONFIG_WINDOW_STACK_MODE, &above);
     xcb_flush(toolkit);
 }
 

@@ -15,8 +15,12 @@ public:
     /// Raises the overlay, and ours above it, where another program's window has come over it. A window
     /// that covers the whole overlay keeps its place: so do screen lockers.
     void restore(xcb_window_t overlay, QRect rect);
+    /// Such a window lies over the overlay.
+    bool isCovered(xcb_window_t overlay, QRect rect);
 
 private:
+    /// The overlay and whatever lies over it, lowest first.
+    std::vector<TopLevelWindow> stackFrom(xcb_window_t overlay, QRect rect);
     bool mayRaise();
 
     xcb_connection_t* toolkit;

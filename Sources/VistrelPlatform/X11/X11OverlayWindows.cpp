@@ -201,9 +201,15 @@ void X11OverlayWindows::overlaysChanged() {
 }
 
 void X11OverlayWindows::restoreStacking() {
-    for (const auto& [window, overlay] : overlays)
-        if (overlay.shown && overlay.level == OverlayLevel::aboveEverything)
+    bool anyInFront = false;
+    for (const auto& [window, overlay] : overlays) {
+        if (!overlay.shown)
+            continue;
+        anyInFront = anyInFront || !stacking.isCovered(idOf(*window), overlay.nativeRect);
+        if (overlay.level == OverlayLevel::aboveEverything)
             stacking.restore(idOf(*window), overlay.nativeRect);
+    }
+    keyboard.setCovered(!anyInFront);
 }
 
 bool X11OverlayWindows::eventFilter(QObject* watched, QEvent* event) {
@@ -217,8 +223,8 @@ bool X11OverlayWindows::eventFilter(QObject* watched, QEvent* event) {
         break;
     case QEvent::MouseButtonPress:
         // No window manager gives these windows the keyboard on a click, so the click itself takes it.
-        if (QWidget* window = dialog ? nullptr : widgetOf(*watched); window && !keyboard.has(*window))
-            keyboard.give(*window);
+        if (QWidget* window = dialog ? nullptr : widgetOf(*watched))
+            keyboard.pressed(*window);
         break;
     case QEvent::Show:
         if (dialog) {
@@ -285,12 +291,11 @@ bool X11OverlayWindows::nativeEventFilter(const QByteArray& type, void* message,
         if (reinterpret_cast<const xcb_visibility_notify_event_t&>(event).state != XCB_VISIBILITY_UNOBSCURED)
             restackSoon.start();
         break;
+    // All three begin alike.
     case XCB_MAP_NOTIFY:
-        if (reinterpret_cast<const xcb_map_notify_event_t&>(event).event == root)
-            restackSoon.start();
-        break;
+    case XCB_UNMAP_NOTIFY:
     case XCB_CONFIGURE_NOTIFY:
-        if (reinterpret_cast<const xcb_configure_notify_event_t&>(event).event == root)
+        if (reinterpret_cast<const xcb_map_notify_event_t&>(event).event == root)
             restackSoon.start();
         break;
     default:

@@ -216,7 +216,8 @@ std::optional<MappedWindow> XClient::viewable(xcb_window_t window) {
     const auto attributes = own(xcb_get_window_attributes_reply(xcb, attributesCookie, nullptr));
     const auto geometry = own(xcb_get_geometry_reply(xcb, geometryCookie, nullptr));
     const auto origin = own(xcb_translate_coordinates_reply(xcb, originCookie, nullptr));
-    if (!attributes || !geometry || !origin || attributes->map_state != XCB_MAP_STATE_VIEWABLE)
+    if (!attributes || !geometry || !origin || attributes->map_state != XCB_MAP_STATE_VIEWABLE ||
+        attributes->_class == XCB_WINDOW_CLASS_INPUT_ONLY)
         return std::nullopt;
     return MappedWindow{window, QRect(origin->dst_x, origin->dst_y, geometry->width, geometry->height),
                         attributes->override_redirect != 0};

@@ -67,7 +67,7 @@ public:
     void destroy(xcb_window_t window);
     /// Cuts the window to the rectangles.
     void setShape(xcb_window_t window, const std::vector<QRect>& rects);
-    /// Viewable children of the root, lowest first.
+    /// Children of the root that can be seen, lowest first.
     std::vector<MappedWindow> mappedWindows();
     xcb_window_t focusedWindow();
     void focus(xcb_window_t window);

@@ -139,6 +139,7 @@ TEST_F(X11OverlayWindowsTest, WhereTheScreenIsNotTheRootsPictureTheFirstFrameCom
 
 TEST_F(X11OverlayWindowsTest, StaysAboveWindowsThatComeLaterUnlessTheyCoverAll) {
     showFrozen();
+    overlays.takeFocus(*windows[0]);
     settle();
     QWidget popup(nullptr, Qt::ToolTip | Qt::X11BypassWindowManagerHint);
     popup.setGeometry(100, 100, 80, 60);
@@ -162,5 +163,13 @@ TEST_F(X11OverlayWindowsTest, StaysAboveWindowsThatComeLaterUnlessTheyCoverAll) 
     const xcb_window_t locker = openWindow(QRect(QPoint(0, 0), testScreenSize));
     settle();
     EXPECT_TRUE(isAbove(locker, id(0)) && isAbove(locker, id(1)));
+    // So the keyboard is free for it, and taken again when it has gone.
+    const auto keyboardIsFree = [&] {
+        const bool free = client.grabKeyboard();
+        client.ungrabKeyboard();
+        return free;
+    };
+    EXPECT_TRUE(waitUntil(keyboardIsFree));
     client.destroy(locker);
+    EXPECT_TRUE(waitUntil([&] { return !keyboardIsFree(); }));
 }
