@@ -319,3 +319,31 @@ TEST_F(EditorFlow, LayersAreChosenDraggedAndDeletedInTheList) {
     EXPECT_TRUE(shows(untouched));
     EXPECT_TRUE(editor.copy() == editor.desktop.copy(wideArea));
 }
+
+TEST_F(EditorFlow, ASecondSelectionIsDrawnBesideTheFirstAndFlipped) {
+    editor.type(u"p"_s);
+    const QRect second(60, 40, 900, 300);
+    ASSERT_TRUE(editor.select(second));
+    editor.drag({second.right() + 1, 200}, {20, 200});
+    EXPECT_EQ(editor.steps(3), "toolSelected(1,3,0) selectionCreated(0,3,0) selectionResized(0,3,0)");
+    EXPECT_TRUE(editor.copy() == editor.desktop.copy(QRect(20, 40, 40, 300)));
+}
+
+TEST_F(EditorFlow, ToolsAndCommandsHaveTheirPlaceOnKeyboardsOfOtherScripts) {
+    constexpr KeyCode pKey = 35;
+    constexpr KeyCode vKey = 9;
+    constexpr KeyCode aKey = 0;
+    constexpr KeyCode cKey = 8;
+    for (const char* layout : {"ara", "gr", "il", "ru"}) {
+        SCOPED_TRACE(layout);
+        const auto change = editor.session.start(u"setxkbmap"_s, {u"-layout"_s, QString::fromLatin1(layout)});
+        ASSERT_EQ(change->waitForExit(patience), 0);
+        editor.key(pKey);
+        editor.key(vKey);
+        editor.key(aKey, Modifier::control);
+        EXPECT_EQ(editor.steps(3), "toolSelected(1,3,0) toolSelected(0,3,0) selectionCreated(0,3,0)");
+    }
+    editor.key(cKey, Modifier::control);
+    ASSERT_TRUE(editor.waitFor("captureClosed"));
+    EXPECT_TRUE(editor.clipboardImage() == editor.desktop);
+}

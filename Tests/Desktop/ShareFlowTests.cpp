@@ -142,6 +142,21 @@ TEST_F(ShareFlow, ClosingTheSettingsBringsTheOverlayBackAndEscapeEndsTheCapture)
     EXPECT_EQ(picturesOnDisk(), QStringList());
 }
 
+TEST_F(ShareFlow, ADoubleClickOpensTheMenuAndChoosesNothing) {
+    ASSERT_TRUE(edit());
+    const QPoint button = vistrel.actionButton(EditorOnDesktop::share);
+    vistrel.session.input().doubleClick(button);
+    ASSERT_TRUE(waitUntil([this] { return vistrel.windows().size() == 2; }));
+    vistrel.key(Key::escape);
+    ASSERT_TRUE(vistrel.waitFor("shareCancelled")) << vistrel.story();
+    EXPECT_TRUE(overlayIsBack());
+    EXPECT_EQ(vistrel.count("shareRequested"), 1);
+
+    ASSERT_TRUE(choose(2, {}));
+    vistrel.click(vistrel.windows().back().rect.topLeft() + QPoint(60, 14));
+    EXPECT_TRUE(vistrel.waitFor("shareSucceeded"));
+}
+
 TEST_F(ShareFlow, ADeviceThatTheDesktopReachesIsOfferedAndGetsThePicture) {
     qDBusRegisterMetaType<QMap<QString, QString>>();
     const QDBusConnection bus = QDBusConnection::connectToBus(vistrel.session.busAddress(), u"devices"_s);

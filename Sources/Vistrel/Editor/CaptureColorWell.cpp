@@ -90,6 +90,7 @@ bool CaptureColorWell::isActive() const {
 void CaptureColorWell::setColor(const QColor& color) {
     QColor opaque = color;
     opaque.setAlpha(255);
+    known = opaque;
     if (shown == opaque)
         return;
     shown = opaque;
@@ -167,23 +168,37 @@ void CaptureColorWell::dialogChanged(const QColor& color) {
     shown.setAlpha(255);
     unreported = shown;
     update();
-    // While the pointer drags through the colours only the well follows.
-    if (!(QGuiApplication::mouseButtons() & Qt::LeftButton))
+    if (!isStillChoosing())
         reportChoice();
+}
+
+// While the pointer goes through the dialog's colours, or those of the screen, only the well follows.
+bool CaptureColorWell::isStillChoosing() {
+    const bool picksFromScreen = pickerDialog && QWidget::mouseGrabber() == pickerDialog;
+    return picksFromScreen || (QGuiApplication::mouseButtons() & Qt::LeftButton);
 }
 
 void CaptureColorWell::reportChoice() {
     const std::optional<QColor> choice = std::exchange(unreported, std::nullopt);
-    if (choice && onColor)
+    if (!choice || *choice == known)
+        return;
+    known = *choice;
+    if (onColor)
         onColor(*choice);
 }
 
 bool CaptureColorWell::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::MouseButtonRelease && unreported) {
+    if (event->type() == QEvent::MouseButtonRelease || event->type() == QEvent::KeyPress) {
         const auto* widget = qobject_cast<QWidget*>(watched);
+        // The control that gets the event has its last word first.
         if (widget && widget->window() == pickerDialog)
-            // The control under the pointer has its last word first.
-            QMetaObject::invokeMethod(this, &CaptureColorWell::reportChoice, Qt::QueuedConnection);
+            QMetaObject::invokeMethod(
+                this,
+                [this] {
+                    if (!isStillChoosing())
+                        reportChoice();
+                },
+                Qt::QueuedConnection);
     }
     return QPushButton::eventFilter(watched, event);
 }

@@ -22,13 +22,15 @@ public:
     /// Puts back what that changed; called after the dialog has been hidden.
     static std::function<void(QWidget& dialog)> restoreDialog;
 
-    /// The user chose a colour. A drag in the dialog is reported once, when it ends.
+    /// The user chose a colour. A drag in the dialog, or looking for a colour on the screen, is reported
+    /// once, when it ends.
     std::function<void(const QColor&)> onColor;
     /// The picker of this well is about to open.
     std::function<void()> onPickerOpened;
     /// The picker of this well has been closed, by whomever.
     std::function<void()> onPickerClosed;
 
+    /// Shows a colour, without a report.
     void setColor(const QColor& color);
     QColor color() const { return shown; }
     /// Opens the dialog for this well; another well's picker is closed first.
@@ -56,9 +58,12 @@ protected:
 private:
     void openDialog();
     void dialogChanged(const QColor& color);
+    static bool isStillChoosing();
     void reportChoice();
 
     EditorHint* bubble;
     QColor shown = Qt::red;
+    /// What the rest of the program knows.
+    QColor known = Qt::red;
     std::optional<QColor> unreported;
 };

@@ -4,6 +4,7 @@
 #include "Editor/EditorAccessibility.h"
 #include "Editor/EditorButton.h"
 #include "Editor/EditorColors.h"
+#include "Editor/EditorPanel.h"
 
 #include <QEvent>
 
@@ -91,7 +92,10 @@ void EditorActionBar::place(const QRectF& frame, double magnification) {
         }
         update();
     }
-    setGeometry(DevicePixels::rounded(frame));
+    if (const QRect place = DevicePixels::rounded(frame); geometry() != place) {
+        EditorButton::dismissHints(*this);
+        setGeometry(place);
+    }
     layoutItems();
 }
 
@@ -109,16 +113,7 @@ void EditorActionBar::layoutItems() {
 }
 
 bool EditorActionBar::event(QEvent* event) {
-    switch (event->type()) {
-    case QEvent::MouseButtonPress:
-    case QEvent::MouseButtonRelease:
-    case QEvent::MouseButtonDblClick:
-    case QEvent::MouseMove:
-        event->accept(); // The bar covers the canvas.
-        return true;
-    default:
-        return QWidget::event(event);
-    }
+    return EditorPanel::swallow(*event) || QWidget::event(event);
 }
 
 void EditorActionBar::paintEvent(QPaintEvent*) {

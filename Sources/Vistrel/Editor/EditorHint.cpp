@@ -96,7 +96,9 @@ void EditorHint::dismiss() {
     delay.stop();
     if (QWidget* shown = bubble.data()) {
         bubble.clear();
-        delete shown;
+        // Not at once: the window may be going through its children to hide them.
+        shown->hide();
+        shown->deleteLater();
     }
 }
 

@@ -4,6 +4,8 @@
 #include "Editor/EditorAccessibility.h"
 #include "Editor/EditorColors.h"
 
+#include <QEvent>
+
 namespace {
 
 QPainterPath united(const std::vector<QRectF>& rects, double radius) {
@@ -42,6 +44,24 @@ QRegion EditorPanel::region() const {
 
 bool EditorPanel::isInside(QPointF position) const {
     return united(pieces, radius).contains(position);
+}
+
+bool EditorPanel::swallow(QEvent& event) {
+    switch (event.type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::MouseMove:
+    case QEvent::Wheel:
+        event.accept();
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool EditorPanel::event(QEvent* event) {
+    return swallow(*event) || QWidget::event(event);
 }
 
 void EditorPanel::paintEvent(QPaintEvent*) {

@@ -3,7 +3,6 @@
 #include "Editor/CaptureColorWell.h"
 #include "Editor/DevicePixels.h"
 #include "Editor/EditorButton.h"
-#include "Editor/EditorColors.h"
 #include "Editor/EditorFont.h"
 #include "Editor/EditorPanel.h"
 #include "Editor/EditorSizeControls.h"
@@ -34,19 +33,14 @@ constexpr ToolPlace colorPlace = {AnnotationTool::select, 5, 1};
 
 } // namespace
 
-EditorSidebar::EditorSidebar(QWidget* parent)
-    : QWidget(parent),
-      toolsPanel(new EditorPanel(this)),
-      layersPanel(new EditorPanel(this)),
+EditorSidebar::EditorSidebar(QWidget& canvas)
+    : QObject(&canvas),
+      toolsPanel(new EditorPanel(&canvas)),
+      layersPanel(new EditorPanel(&canvas)),
       sizeControls(new EditorSizeControls(toolsPanel)),
       headingLabel(new QLabel(QStringLiteral("Layers"), layersPanel)),
       layerTable(new LayerTableView(layersPanel)) {
     setObjectName(QStringLiteral("editorSidebar"));
-    setAccessibleName(QStringLiteral("Editor"));
-    setPalette(EditorColors::palette());
-    // Events beside the panels go on to the canvas below, moves included. A mask would do that too, but
-    // every change of it repaints the whole canvas.
-    setMouseTracking(true);
     buildTools();
     buildLayers();
 }
@@ -131,6 +125,8 @@ void EditorSidebar::place(const Frames& wanted) {
     if (frames == wanted)
         return;
     frames = wanted;
+    for (EditorPanel* panel : {toolsPanel, layersPanel})
+        EditorButton::dismissHints(*panel);
     toolsPanel->setGeometry(DevicePixels::rounded(frames.tools));
     layersPanel->setGeometry(DevicePixels::rounded(frames.layers));
     layoutTools();
@@ -170,9 +166,15 @@ void EditorSidebar::layoutLayers() {
         DevicePixels::roundedEdges({0, top, size.width(), std::max(size.height() - top, 0.0)}));
 }
 
-void EditorSidebar::showEvent(QShowEvent* event) {
-    QWidget::showEvent(event);
-    updateFocusOrder();
+void EditorSidebar::setVisible(bool visible) {
+    toolsPanel->setVisible(visible);
+    layersPanel->setVisible(visible);
+    if (visible)
+        updateFocusOrder();
+}
+
+bool EditorSidebar::isHidden() const {
+    return toolsPanel->isHidden();
 }
 
 void EditorSidebar::updateFocusOrder() {
@@ -189,7 +191,7 @@ void EditorSidebar::updateFocusOrder() {
     order.push_back(layerTable);
     std::erase(order, nullptr);
     for (std::size_t i = 1; i < order.size(); ++i)
-        setTabOrder(order[i - 1], order[i]);
+        QWidget::setTabOrder(order[i - 1], order[i]);
 }
 
 QString EditorSidebar::heading() const {
@@ -201,8 +203,6 @@ int EditorSidebar::rowCount() const {
 }
 
 bool EditorSidebar::isOverPanel(QPointF position) const {
-    if (isHidden())
-        return false;
     for (const EditorPanel* panel : {toolsPanel, layersPanel})
         if (!panel->isHidden() && panel->isInside(position - panel->pos()))
             return true;

@@ -2,7 +2,7 @@
 
 #include "Annotations/EditorAnnotation.h"
 
-#include <QWidget>
+#include <QObject>
 
 #include <array>
 #include <functional>
@@ -15,9 +15,10 @@ class EditorSizeControls;
 class LayerTableView;
 class QLabel;
 
-/// Lies over a whole overlay and carries the tools panel and the layers panel. Owns no editing state:
-/// shows what it is given and reports what the user wants. Frames are the parent's y-down points.
-class EditorSidebar : public QWidget {
+/// The tools panel and the layers panel over a canvas. Owns no editing state: shows what it is given and
+/// reports what the user wants. Frames are the canvas's y-down points. Not a widget itself: one that covered
+/// the canvas would be what the toolkit holds for pressed in every gesture beside the panels.
+class EditorSidebar : public QObject {
     Q_OBJECT
 public:
     struct Content {
@@ -36,7 +37,8 @@ public:
         friend bool operator==(const Frames&, const Frames&) = default;
     };
 
-    explicit EditorSidebar(QWidget* parent = nullptr);
+    /// The panels are children of the canvas, which owns this too.
+    explicit EditorSidebar(QWidget& canvas);
 
     std::function<void(AnnotationTool)> onTool;
     std::function<void(const QUuid&)> onSelect;
@@ -44,7 +46,8 @@ public:
     /// The layer and its new index in the annotation list, oldest first, counted without the layer.
     std::function<void(const QUuid&, int)> onReorder;
 
-    using QWidget::update;
+    void setVisible(bool visible);
+    bool isHidden() const;
     void update(const Content& content);
     /// Installs the two history buttons and takes ownership of them.
     void addHistoryControls(EditorButton& undo, EditorButton& redo);
@@ -61,11 +64,8 @@ public:
     EditorButton& button(AnnotationTool tool) const { return *buttons[static_cast<std::size_t>(tool)]; }
     QString heading() const;
     int rowCount() const;
-    /// True over a panel that is shown; `position` in this widget's points.
+    /// True over a panel that is shown; `position` in the canvas's points.
     bool isOverPanel(QPointF position) const;
-
-protected:
-    void showEvent(QShowEvent* event) override;
 
 private:
     void buildTools();

@@ -59,6 +59,13 @@ void EditorSizeField::showSize(int size) {
         setText(shownText);
 }
 
+bool EditorSizeField::revert() {
+    if (!isEditing() || !isPending())
+        return false;
+    setText(shownText);
+    return true;
+}
+
 bool EditorSizeField::isPending() const {
     return isModified() || text() != shownText;
 }

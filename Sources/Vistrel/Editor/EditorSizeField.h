@@ -16,6 +16,8 @@ public:
     /// Shows a size unless the user is typing one.
     void showSize(int size);
     bool isEditing() const { return hasFocus(); }
+    /// Shows the size again instead of what is being typed; false when nothing is.
+    bool revert();
     /// Size of the digits in points, and the width at both ends that the step buttons cover.
     void setDigits(double points, double covered);
     double digitSize() const { return digits; }

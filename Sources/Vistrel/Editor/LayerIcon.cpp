@@ -74,6 +74,8 @@ void LayerIcon::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void LayerIcon::hideEvent(QHideEvent*) {
+    if (dragging)
+        table.cancelMove();
     endGesture();
 }
 

@@ -38,6 +38,15 @@ void LayerRowView::show(const LayerRow& row, int index) {
     setVisible(true);
 }
 
+void LayerRowView::clear() {
+    hide();
+    content = {};
+    shownBefore = false;
+    setAccessibleName({});
+    labelView->setText({});
+    trashButton->setAnnotationID({});
+}
+
 void LayerRowView::setMagnification(double magnification) {
     if (scale == magnification && shownBefore)
         return;

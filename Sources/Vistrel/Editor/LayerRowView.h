@@ -20,6 +20,8 @@ public:
     /// Shows a layer; repaints only what is new.
     void show(const LayerRow& row, int index);
     using QWidget::show;
+    /// Hides the row and forgets its layer: what was typed must not outlive it.
+    void clear();
     void setMagnification(double scale);
 
     const LayerRow& row() const { return content; }

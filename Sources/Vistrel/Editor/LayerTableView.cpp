@@ -148,7 +148,7 @@ void LayerTableView::layoutRows() {
             if (pendingInsertion)
                 view.move(0, -view.height() - 1);
             else
-                view.hide();
+                view.clear();
             continue;
         }
         view.setMagnification(scale);

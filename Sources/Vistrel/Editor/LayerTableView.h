@@ -49,6 +49,8 @@ public:
     /// The two steps of a drag, positions in the viewport. A layer let go outside the list stays.
     void previewMove(QPointF position);
     void finishMove(const QUuid& layer, QPointF position);
+    /// Ends a drag without moving anything.
+    void cancelMove() { setInsertion(std::nullopt); }
     /// The user chose a layer.
     void choose(const QUuid& layer);
     /// The row that the keyboard acts on.

@@ -2,11 +2,11 @@
 
 #include "Output/ImageEncoder.h"
 #include "Output/SavePanel.h"
+#include "Output/ShareMenu.h"
 #include "Output/ShareMenuStyle.h"
 
 #include <QDateTime>
 #include <QGuiApplication>
-#include <QMenu>
 #include <QTimer>
 #include <QWidget>
 
@@ -69,7 +69,7 @@ ScreenshotShareSession::~ScreenshotShareSession() {
 }
 
 std::unique_ptr<QMenu> ScreenshotShareSession::makeMenu(QWidget* parent) {
-    auto made = std::make_unique<QMenu>(parent);
+    auto made = std::make_unique<ShareMenu>(parent);
     made->setObjectName(QStringLiteral("shareMenu"));
     made->setAccessibleName(QStringLiteral("Share"));
     ShareMenuStyle::apply(*made);

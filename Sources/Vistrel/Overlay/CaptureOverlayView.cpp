@@ -10,8 +10,10 @@
 #include "Overlay/SelectionCursors.h"
 
 #include <QAccessible>
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QPainter>
+#include <QStyleHints>
 
 /// What the canvas shows, beside the session itself.
 struct CanvasState {
@@ -22,6 +24,8 @@ struct CanvasState {
     std::optional<CanvasCursor> cursor;
     /// Where the last event saw the pointer, in widget points; asking the window system takes a round trip.
     std::optional<QPointF> pointer;
+    /// When the canvas itself was last pressed, in the window system's milliseconds.
+    std::optional<quint64> pressedAt;
     /// Made with the first selection, then kept.
     std::unique_ptr<OverlayPanels> panels;
 
@@ -101,6 +105,8 @@ void CaptureOverlayView::resetSession(const CapturedImage& captured, double disp
     }
     OverlaySession& session = editor->session;
     session.document.reset(captured.image, displayScale, viewSize);
+    if (canvas->panels)
+        canvas->panels->show(session.document);
     session.renderer.clearPatches();
     session.damage.take();
     onFirstDraw = nullptr;
@@ -112,6 +118,7 @@ void CaptureOverlayView::resetSession(const CapturedImage& captured, double disp
     canvas->layout = DecorationLayout::of(session.document, canvas->space, canvas->badgeText);
     canvas->cursor.reset();
     canvas->pointer.reset();
+    canvas->pressedAt.reset();
     setCursor(Qt::CrossCursor);
     update();
 }
@@ -153,6 +160,8 @@ void CaptureOverlayView::discardText() {
 }
 
 void CaptureOverlayView::cancelOperation() {
+    if (canvas->panels && canvas->panels->revertTypedSize())
+        return;
     editor->keys.cancelOperation();
 }
 
@@ -255,6 +264,11 @@ void CaptureOverlayView::press(QMouseEvent* event, int clickCount) {
     if (!isActiveWindow())
         window()->activateWindow();
     canvas->pointer = event->position();
+    // The first click of a double click may have been a button's that has since gone.
+    const auto before = std::exchange(canvas->pressedAt, event->timestamp());
+    const auto interval = static_cast<quint64>(QGuiApplication::styleHints()->mouseDoubleClickInterval());
+    if (!before || event->timestamp() - *before > interval)
+        clickCount = 1;
     editor->gestures.press({.location = viewPoint(event->position()), .clickCount = clickCount});
 }
 
@@ -270,6 +284,8 @@ void CaptureOverlayView::mouseMoveEvent(QMouseEvent* event) {
     canvas->pointer = event->position();
     if (event->buttons() & Qt::LeftButton)
         editor->gestures.drag(viewPoint(event->position()));
+    else if (editor->session.document.drag)
+        editor->gestures.release(viewPoint(event->position())); // Its release went elsewhere.
     refreshCanvasCursor(event->position());
 }
 

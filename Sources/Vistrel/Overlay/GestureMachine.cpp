@@ -4,28 +4,11 @@
 #include "Overlay/OverlayHitTest.h"
 #include "VistrelCore/CaptureGeometry.h"
 
-using Diagnostic::Action;
-
 namespace {
 
 // Both sides of a new selection must be longer than this, in image pixels.
 constexpr double shortestSelection = 5;
 constexpr double smallestLayer = 1;
-
-std::optional<Action> reportAtEnd(const Drag& drag) {
-    struct Name {
-        std::optional<Action> operator()(const Creation& creation) const {
-            return creation.valid ? std::optional(Action::selectionCreated) : std::nullopt;
-        }
-        std::optional<Action> operator()(const MoveSelection&) const { return Action::selectionMoved; }
-        std::optional<Action> operator()(const ResizeSelection&) const { return Action::selectionResized; }
-        std::optional<Action> operator()(const MoveAnnotation&) const { return Action::layerMoved; }
-        std::optional<Action> operator()(const ResizeAnnotation&) const { return Action::layerResized; }
-        std::optional<Action> operator()(const DragEndpoint&) const { return Action::layerResized; }
-        std::optional<Action> operator()(const Annotate&) const { return Action::layerCreated; }
-    };
-    return std::visit(Name(), drag);
-}
 
 } // namespace
 
@@ -36,9 +19,11 @@ void GestureMachine::press(const PointerEvent& event) {
     OverlayDocument& document = session.document;
     if (!document.hasImage())
         return;
+    session.completeGesture();
     const Point p = CaptureGeometry::clamped(event.location, document.bounds());
-    if (event.clickCount == 2 && session.hooks.doubleClickOutsideToCancel() &&
-        !document.selection.contains(p)) {
+    const bool isOutside = !document.selection.contains(p);
+    const bool wasClickOutside = std::exchange(clickedOutside, isOutside);
+    if (event.clickCount == 2 && wasClickOutside && isOutside && session.hooks.doubleClickOutsideToCancel()) {
         cancelFromOutside();
         return;
     }
@@ -159,15 +144,9 @@ void GestureMachine::release(Point location) {
         return;
     if (document.drag) {
         applyDrag(CaptureGeometry::clamped(location, document.bounds()));
-        const std::optional<Action> action = reportAtEnd(*document.drag);
-        if (action == Action::selectionCreated) {
-            document.history.clear();
-            session.hooks.onSelection();
-        }
-        if (action)
-            session.report(*action);
+        clickedOutside = clickedOutside && !document.isCreatingSelection();
+        session.completeGesture();
     }
-    session.finishGesture();
     session.hooks.onChange();
 }
 

@@ -35,4 +35,6 @@ private:
 
     OverlaySession& session;
     TextCommands& text;
+    /// The last press was outside the selection and came to nothing: the first half of a double click there.
+    bool clickedOutside = false;
 };

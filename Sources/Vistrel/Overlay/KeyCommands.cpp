@@ -32,7 +32,7 @@ bool KeyCommands::keyDown(const KeyEvent& event, const KeyFocus& focus) {
 bool KeyCommands::keyEquivalent(const KeyEvent& event, const KeyFocus& focus) {
     if (text.isEditing() && focus.textEditor)
         return false;
-    return sizeKey(event, focus) || commandKey(event);
+    return sizeKey(event, focus) || commandKey(event, focus);
 }
 
 void KeyCommands::cancelOperation() {
@@ -59,13 +59,16 @@ bool KeyCommands::sizeKey(const KeyEvent& event, const KeyFocus& focus) {
     return true;
 }
 
-bool KeyCommands::commandKey(const KeyEvent& event) {
+bool KeyCommands::commandKey(const KeyEvent& event, const KeyFocus& focus) {
     if ((event.modifiers & commandKeys) == 0)
         return false;
     const QString typed = event.characters.toLower();
     const bool isOutput = typed == QLatin1StringView("c") || typed == QLatin1StringView("s");
     if (isOutput && event.isRepeat)
         return true;
+    // The field loses the keyboard, which takes over the number in it.
+    if (isOutput && focus.sizeField)
+        layers.returnFocus();
     if (typed == QLatin1StringView("c"))
         output.copySelection();
     else if (typed == QLatin1StringView("s"))

@@ -18,7 +18,7 @@ public:
 
 private:
     bool sizeKey(const KeyEvent& event, const KeyFocus& focus);
-    bool commandKey(const KeyEvent& event);
+    bool commandKey(const KeyEvent& event, const KeyFocus& focus);
     bool deleteKey(const KeyEvent& event);
     bool arrowKey(const KeyEvent& event);
     bool toolKey(const KeyEvent& event);

@@ -9,20 +9,28 @@ std::optional<QImage> OutputCommands::outputImage() {
     return OverlayExport::outputImage(session.document, session.renderer);
 }
 
-void OutputCommands::copySelection() {
+void OutputCommands::settle() {
     text.commit();
+    if (session.document.drag) {
+        session.completeGesture();
+        session.hooks.onChange();
+    }
+}
+
+void OutputCommands::copySelection() {
+    settle();
     if (const auto image = outputImage())
         session.hooks.onCopy(*image);
 }
 
 void OutputCommands::saveSelection() {
-    text.commit();
+    settle();
     if (const auto image = outputImage())
         session.hooks.onSave(*image);
 }
 
 std::optional<QImage> OutputCommands::imageToShare() {
-    text.commit();
+    settle();
     session.hooks.closeColorPicker();
     return outputImage();
 }

@@ -3,8 +3,8 @@
 #include "Overlay/OverlaySession.h"
 #include "Overlay/TextCommands.h"
 
-/// The annotated selection as a picture, and where it goes. What is being typed is committed first and
-/// is part of the picture. Without a picture nothing happens.
+/// The annotated selection as a picture, and where it goes. What is being typed or drawn is finished first
+/// and is part of the picture. Without a picture nothing happens.
 class OutputCommands {
 public:
     OutputCommands(OverlaySession& session, TextCommands& text);
@@ -17,6 +17,8 @@ public:
     std::optional<QImage> imageToShare();
 
 private:
+    void settle();
+
     OverlaySession& session;
     TextCommands& text;
 };

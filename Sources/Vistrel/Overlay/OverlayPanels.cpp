@@ -4,6 +4,7 @@
 #include "Editor/CaptureColorWell.h"
 #include "Editor/EditorActionBar.h"
 #include "Editor/EditorButton.h"
+#include "Editor/EditorPanel.h"
 #include "Editor/EditorSidebar.h"
 #include "Editor/EditorSizeControls.h"
 #include "Editor/EditorSizeField.h"
@@ -28,7 +29,7 @@ void name(QWidget& control, const QString& objectName, const QString& accessible
 OverlayPanels::OverlayPanels(QWidget& canvasWidget, OverlayEditor& overlayEditor, Actions actions)
     : canvas(canvasWidget),
       editor(overlayEditor),
-      sidebar(new EditorSidebar(&canvas)),
+      sidebar(new EditorSidebar(canvas)),
       actionBar(new EditorActionBar(&canvas)) {
     sidebar->onTool = [this](AnnotationTool tool) { commands().selectTool(tool); };
     sidebar->onSelect = [this](const QUuid& id) { commands().selectAnnotation(id); };
@@ -42,6 +43,7 @@ OverlayPanels::OverlayPanels(QWidget& canvasWidget, OverlayEditor& overlayEditor
 }
 
 LayerCommands& OverlayPanels::commands() {
+    editor.session.completeGesture();
     // Its field loses the keyboard, which commits it for the tool or layer it was typed for.
     if (sizeField->hasFocus())
         editor.layers.returnFocus();
@@ -76,7 +78,7 @@ void OverlayPanels::buildSizeControls() {
 }
 
 void OverlayPanels::buildColorWell() {
-    colorWell = new CaptureColorWell(sidebar);
+    colorWell = new CaptureColorWell(&sidebar->tools());
     name(*colorWell, QStringLiteral("drawingColor"), QStringLiteral("Drawing color"));
     colorWell->setToolTip(QStringLiteral("Drawing color"));
     colorWell->onColor = [this](const QColor& color) {
@@ -93,8 +95,8 @@ void OverlayPanels::buildColorWell() {
 }
 
 void OverlayPanels::buildHistory() {
-    undoButton = new EditorButton(sidebar);
-    redoButton = new EditorButton(sidebar);
+    undoButton = new EditorButton(&sidebar->tools());
+    redoButton = new EditorButton(&sidebar->tools());
     name(*undoButton, QStringLiteral("undo"), QStringLiteral("Undo"));
     name(*redoButton, QStringLiteral("redo"), QStringLiteral("Redo"));
     undoButton->setToolTip(QStringLiteral("Undo (⌘Z)"));
@@ -172,7 +174,6 @@ void OverlayPanels::place(const OverlayDocument& document, double panelScale) {
          .actionWidth = std::max(actionBar->preferredWidth(), leastActionWidth),
          .panelScale = panelScale});
     const ViewFlip flip{document.viewSize.height};
-    sidebar->setGeometry(canvas.rect());
     sidebar->place({.tools = flip.toWidget(layout.tools),
                     .layers = flip.toWidget(layout.layers),
                     .scale = layout.scale});
@@ -188,9 +189,16 @@ void OverlayPanels::dismissHints() {
 }
 
 bool OverlayPanels::isOver(QPointF position) const {
-    if (sidebar->isHidden())
+    if (actionBar->isHidden())
         return false;
     return sidebar->isOverPanel(position) || QRectF(actionBar->geometry()).contains(position);
+}
+
+bool OverlayPanels::revertTypedSize() {
+    if (!sizeField->revert())
+        return false;
+    editor.layers.returnFocus();
+    return true;
 }
 
 bool OverlayPanels::sizeFieldHasFocus() const {

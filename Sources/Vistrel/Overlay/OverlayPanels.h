@@ -34,9 +34,11 @@ public:
     /// True over a panel that is shown; the canvas's points, y down.
     bool isOver(QPointF position) const;
     bool sizeFieldHasFocus() const;
+    /// Puts back a size that is still being typed; false when none is.
+    bool revertTypedSize();
 
 private:
-    /// For what a button asks, with a size that is still being typed taken over first.
+    /// For what a button asks, with a gesture or a typed size that is still under way finished first.
     LayerCommands& commands();
     void buildSizeControls();
     void buildColorWell();

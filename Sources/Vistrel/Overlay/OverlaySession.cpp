@@ -3,6 +3,27 @@
 #include <algorithm>
 #include <span>
 
+using Diagnostic::Action;
+
+namespace {
+
+std::optional<Action> reportAtEnd(const Drag& drag) {
+    struct Name {
+        std::optional<Action> operator()(const Creation& creation) const {
+            return creation.valid ? std::optional(Action::selectionCreated) : std::nullopt;
+        }
+        std::optional<Action> operator()(const MoveSelection&) const { return Action::selectionMoved; }
+        std::optional<Action> operator()(const ResizeSelection&) const { return Action::selectionResized; }
+        std::optional<Action> operator()(const MoveAnnotation&) const { return Action::layerMoved; }
+        std::optional<Action> operator()(const ResizeAnnotation&) const { return Action::layerResized; }
+        std::optional<Action> operator()(const DragEndpoint&) const { return Action::layerResized; }
+        std::optional<Action> operator()(const Annotate&) const { return Action::layerCreated; }
+    };
+    return std::visit(Name(), drag);
+}
+
+} // namespace
+
 void OverlaySession::report(Diagnostic::Action action, std::optional<AnnotationTool> style,
                             std::optional<int> size) {
     Diagnostic::Details details;
@@ -65,6 +86,19 @@ void OverlaySession::finishGesture() {
         document.history.record(*document.pendingChange, document.state);
     document.pendingChange.reset();
     document.drag.reset();
+}
+
+void OverlaySession::completeGesture() {
+    if (!document.drag)
+        return;
+    const std::optional<Action> action = reportAtEnd(*document.drag);
+    if (action == Action::selectionCreated) {
+        document.history.clear();
+        hooks.onSelection();
+    }
+    if (action)
+        report(*action);
+    finishGesture();
 }
 
 // Pixels that an effect reads: its own area and the margin that it pulls colour in from.

@@ -49,6 +49,9 @@ public:
 
     /// Records what a gesture changed and ends it.
     void finishGesture();
+    /// Ends a gesture as its release does, where the pointer last was: a release can get lost, in a dialog
+    /// that opens meanwhile for one. Nothing without a gesture.
+    void completeGesture();
 
 private:
     Rect effectArea(const EditorAnnotation& effect) const;

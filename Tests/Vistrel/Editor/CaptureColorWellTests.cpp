@@ -3,6 +3,7 @@
 #include "EditorTestSupport.h"
 
 #include <QColorDialog>
+#include <QPushButton>
 #include <QWindow>
 #include <gtest/gtest.h>
 
@@ -30,6 +31,39 @@ TEST(CaptureColorWellTests, choicesAreOpaqueAndReportedOncePerGesture) {
     QCoreApplication::processEvents();
     EXPECT_EQ(colors, std::vector{QColor(50, 0, 0)});
     well.closePicker();
+}
+
+TEST(CaptureColorWellTests, aColourPickedFromTheScreenIsOneChoice) {
+    Canvas window;
+    CaptureColorWell well{&window};
+    std::vector<QColor> colors;
+    well.onColor = [&](const QColor& color) { colors.push_back(color); };
+    present(window);
+    const std::tuple<const char*, Qt::Key, std::vector<QColor>> endings[] = {
+        {"taken", Qt::Key_Return, {QColor(50, 0, 0)}},
+        {"given up", Qt::Key_Escape, {}},
+    };
+    for (const auto& [name, key, expected] : endings) {
+        SCOPED_TRACE(name);
+        well.setColor(Qt::green);
+        colors.clear();
+        well.activate();
+        QColorDialog& dialog = CaptureColorWell::sharedDialog();
+        auto* pick = dialog.findChildren<QPushButton*>().first();
+        for (QPushButton* button : dialog.findChildren<QPushButton*>())
+            if (button->text().contains(QStringLiteral("Screen")))
+                pick = button;
+        QTest::mouseClick(pick, Qt::LeftButton);
+        ASSERT_EQ(QWidget::mouseGrabber(), &dialog);
+        for (int level = 1; level <= 50; ++level)
+            dialog.setCurrentColor(QColor(level, 0, 0));
+        EXPECT_TRUE(colors.empty());
+        QTest::keyClick(dialog.windowHandle(), key);
+        QCoreApplication::processEvents();
+        EXPECT_EQ(QWidget::mouseGrabber(), nullptr);
+        EXPECT_EQ(colors.size(), expected.size());
+        well.closePicker();
+    }
 }
 
 TEST(CaptureColorWellTests, theWindowTakesThePickerAlong) {

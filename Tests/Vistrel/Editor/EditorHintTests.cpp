@@ -31,6 +31,7 @@ TEST(EditorHint, IsThereOnlyWhileTheControlIsHoveredAndNotPressed) {
             QCoreApplication::sendEvent(&control, &leave);
         },
         [&] { QTest::mousePress(&control, Qt::LeftButton); },
+        [&] { window.hide(); },
     };
     for (const auto& end : ends) {
         QEnterEvent enter({}, {}, {});

@@ -19,7 +19,6 @@ class EditorSidebarTests : public ::testing::Test {
 protected:
     void SetUp() override {
         canvas.resize(600, 500);
-        sidebar.setGeometry(canvas.rect());
         sidebar.addHistoryControls(undo, redo);
         sidebar.onSelect = [this](const QUuid& id) { selected.push_back(id); };
         sidebar.onDelete = [this](const QUuid& id) { deleted.push_back(id); };
@@ -37,7 +36,7 @@ protected:
     LayerRowView& row(int index) { return *sidebar.table().rowView(index); }
 
     Canvas canvas;
-    EditorSidebar& sidebar = *new EditorSidebar(&canvas);
+    EditorSidebar& sidebar = *new EditorSidebar(canvas);
     EditorButton& undo = *new EditorButton;
     EditorButton& redo = *new EditorButton;
     std::vector<EditorAnnotation> layers;
@@ -77,19 +76,24 @@ TEST_F(EditorSidebarTests, theListWorksWithTheKeyboard) {
     EXPECT_EQ(deleted, std::vector{layers[0].id});
 }
 
-TEST_F(EditorSidebarTests, pressesOutsideTheControlsReachTheCanvas) {
-    show(1);
+TEST_F(EditorSidebarTests, thePanelsTakeEveryPressAndLeaveTheRestToTheCanvas) {
+    show(2);
     const std::tuple<const char*, QPoint, bool, bool> cases[] = {
         {"emptyCellBesideText", {470, 410}, true, false},
         {"disabledUndo", {420, 150}, false, true},
-        {"belowTheRows", {150, 250}, true, true},
+        {"belowTheRows", {150, 250}, false, true},
+        {"betweenTheRows", {150, 158}, false, true},
+        {"heading", {150, 110}, false, true},
+        {"aboveTheHeading", {150, 101}, false, true},
+        {"besideThePanels", {300, 300}, true, false},
         {"row", {150, 140}, false, true},
     };
     undo.setEnabled(false);
     for (const auto& [name, place, reachesCanvas, overPanel] : cases) {
         canvas.presses = 0;
         QTest::mouseClick(canvas.windowHandle(), Qt::LeftButton, {}, place);
-        EXPECT_EQ(canvas.presses, reachesCanvas ? 1 : 0) << name;
+        QTest::mouseDClick(canvas.windowHandle(), Qt::LeftButton, {}, place);
+        EXPECT_EQ(canvas.presses, reachesCanvas ? 3 : 0) << name;
         EXPECT_EQ(sidebar.isOverPanel(place), overPanel) << name;
     }
 }

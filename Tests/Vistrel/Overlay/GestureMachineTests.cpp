@@ -115,7 +115,43 @@ TEST_F(GestureMachineTests, aDoubleClickOutsideClosesOnlyWhenThePreferenceSaysSo
     press({15, 15}, 2);
     EXPECT_EQ(closed, 0) << "inside is no way out";
     press({100, 100}, 2);
+    EXPECT_EQ(closed, 0) << "the first click was inside";
+    stroke({{100, 100}, {130, 130}});
+    press({99, 99}, 2);
+    EXPECT_EQ(closed, 0) << "the first press made a selection";
+    release({99, 99});
+    stroke({{50, 50}});
+    press({50, 50}, 2);
     EXPECT_EQ(closed, 1);
+}
+
+TEST_F(GestureMachineTests, whatInterruptsAGestureFinishesItFirst) {
+    const std::pair<const char*, std::function<void()>> interruptions[] = {
+        {"copied", [&] { editor.output.copySelection(); }},
+        {"saved", [&] { editor.output.saveSelection(); }},
+        {"shared", [&] { editor.output.imageToShare(); }},
+        {"pressedAgain",
+         [&] {
+             stroke({{10, 10}});
+         }},
+    };
+    for (const auto& [name, interrupt] : interruptions) {
+        SCOPED_TRACE(name);
+        document.state = {};
+        document.history.clear();
+        select();
+        document.tool = Tool::pen;
+        press({100, 100});
+        drag({110, 110});
+        interrupt();
+        release({120, 120});
+        EXPECT_THAT(actions, ElementsAre(Action::layerCreated));
+        ASSERT_EQ(layers().size(), 1U);
+        EXPECT_EQ(layers().front().points.back(), (Point{110, 110}));
+        editor.layers.undo();
+        EXPECT_THAT(layers(), IsEmpty());
+        EXPECT_EQ(undoSteps(), 0U);
+    }
 }
 
 TEST_F(GestureMachineTests, commandsDuringAGestureDoNotReachOtherLayers) {

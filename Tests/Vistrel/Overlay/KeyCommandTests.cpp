@@ -74,7 +74,13 @@ const std::tuple<const char*, int, Qt::KeyboardModifiers, quint32, const char16_
         {"controlLetterIsNoControlCharacter", Qt::Key_C, Qt::ControlModifier, 54, u"\x03", 8, u"c"},
         {"shiftedCommandLetter", Qt::Key_Z, Qt::MetaModifier | Qt::ShiftModifier, 52, u"Z", 6, u"z"},
         {"otherScriptByPlace", 0x0421, Qt::ControlModifier, 54, u"", 8, u"c"},
-        {"otherScriptTypedPlainly", 0x0421, {}, 54, u"с", 8, u"с"},
+        {"otherScriptTypedPlainly", 0x0420, {}, 43, u"р", 4, u"h"},
+        {"otherScriptWithShift", 0x0397, Qt::ShiftModifier, 43, u"Η", 4, u"h"},
+        {"thirdScript", 0x0631, {}, 55, u"ر", 9, u"v"},
+        {"letterWithoutPlace", 0x0425, {}, 34, u"х", 33, u"х"},
+        {"anotherLatinLayoutsLetter", Qt::Key_Z, {}, 29, u"z", 16, u"z"},
+        {"aSignOfALatinLayout", 0x20ac, {}, 26, u"€", 14, u"€"},
+        {"aSignOfAnotherLayout", Qt::Key_Apostrophe, {}, 25, u"'", 13, u"'"},
 };
 
 TEST(KeyEventTranslationTests, keysFromTheToolkit) {
