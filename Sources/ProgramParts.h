@@ -7,6 +7,7 @@
 #include "VistrelPlatform/Freedesktop/PortalScreenAccess.h"
 #include "VistrelPlatform/NetworkServices.h"
 #include "VistrelPlatform/System/LoadableModule.h"
+#include "VistrelPlatform/X11/X11ImageClipboard.h"
 #include "VistrelPlatform/X11/X11OverlayWindows.h"
 #include "VistrelPlatform/X11/X11ScreenCapturer.h"
 #include "VistrelPlatform/X11/X11ScreenList.h"
@@ -16,6 +17,7 @@ struct CaptureDisplay {
     X11ScreenList screens;
     X11ScreenCapturer capturer;
     X11OverlayWindows overlayWindows;
+    X11ImageClipboard clipboard;
 
     CaptureDisplay() {
         CaptureColorWell::prepareDialog = [this](QWidget& dialog) { overlayWindows.prepareDialog(dialog); };
@@ -31,6 +33,7 @@ struct CaptureDisplay {
                 .screens = screens,
                 .overlayWindows = overlayWindows,
                 .preferences = preferences,
+                .clipboard = clipboard,
                 .diagnostics = journal,
                 .share = nullptr,
                 .hasPermission = [this] { return capturer.hasPermission(); },

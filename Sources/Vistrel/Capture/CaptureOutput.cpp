@@ -12,8 +12,8 @@
 using Diagnostic::Action;
 
 CaptureOutput::CaptureOutput(OverlayPresenter& overlayPresenter, const EditorPreferences& editorPreferences,
-                             ImageClipboard imageClipboard)
-    : presenter(overlayPresenter), preferences(editorPreferences), clipboard(std::move(imageClipboard)) {
+                             ImageClipboard& imageClipboard)
+    : presenter(overlayPresenter), preferences(editorPreferences), clipboard(imageClipboard) {
     savePanel.prepareDialog = [this](QWidget& dialog) { presenter.prepareDialog(dialog); };
 }
 

@@ -2,9 +2,9 @@
 
 #include "Capture/OverlayPresenter.h"
 #include "Diagnostics/DiagnosticRecord.h"
-#include "Output/ImageClipboard.h"
 #include "Output/SavePanel.h"
 #include "Settings/EditorPreferences.h"
+#include "VistrelPlatform/ImageClipboard.h"
 #include "VistrelPlatform/Result.h"
 
 #include <functional>
@@ -15,9 +15,9 @@ class CaptureOverlayWindow;
 /// overlay open with everything in it. Main thread.
 class CaptureOutput {
 public:
-    /// Both are borrowed. The clipboard is the session's unless another is given.
+    /// All are borrowed.
     CaptureOutput(OverlayPresenter& presenter, const EditorPreferences& preferences,
-                  ImageClipboard clipboard = {});
+                  ImageClipboard& clipboard);
 
     void copy(const QImage& image);
     /// Asks where in a panel in front of `window`, then writes there.
@@ -37,6 +37,6 @@ private:
 
     OverlayPresenter& presenter;
     const EditorPreferences& preferences;
-    ImageClipboard clipboard;
+    ImageClipboard& clipboard;
     SavePanel savePanel;
 };

@@ -39,7 +39,7 @@ CaptureSessionCoordinator::CaptureSessionCoordinator(Services coordinatorService
     : QObject(parent),
       services(std::move(coordinatorServices)),
       presenter({services.screens, services.overlayWindows, services.preferences}),
-      output(std::make_unique<CaptureOutput>(presenter, services.preferences)) {
+      output(std::make_unique<CaptureOutput>(presenter, services.preferences, services.clipboard)) {
     if (!services.resetCursor)
         services.resetCursor = [] {
             while (QGuiApplication::overrideCursor())

@@ -5,6 +5,7 @@
 #include "Capture/ScreenshotCapturing.h"
 #include "Diagnostics/LocalDiagnostics.h"
 #include "Settings/EditorPreferences.h"
+#include "VistrelPlatform/ImageClipboard.h"
 #include "VistrelPlatform/OverlayWindows.h"
 #include "VistrelPlatform/Screen.h"
 #include "VistrelPlatform/ShareServices.h"
@@ -30,6 +31,7 @@ public:
         ScreenList& screens;
         OverlayWindows& overlayWindows;
         EditorPreferences& preferences;
+        ImageClipboard& clipboard;
         LocalDiagnostics* diagnostics = nullptr;
         /// Absent where nothing can be shared; the Share button then does nothing.
         ShareServices* share = nullptr;

@@ -7,11 +7,6 @@ namespace {
 constexpr std::size_t mostRaises = 20;
 constexpr std::chrono::seconds raisePeriod{2};
 
-TopLevelWindows::Client clientOf(xcb_connection_t* connection) {
-    const xcb_setup_t* setup = xcb_get_setup(connection);
-    return {setup->resource_id_base, setup->resource_id_mask};
-}
-
 } // namespace
 
 OverlayStacking::OverlayStacking(xcb_connection_t* toolkitOfOverlay) : toolkit(toolkitOfOverlay) {}
@@ -19,7 +14,7 @@ OverlayStacking::OverlayStacking(xcb_connection_t* toolkitOfOverlay) : toolkit(t
 std::vector<TopLevelWindow> OverlayStacking::stackFrom(xcb_window_t overlay, QRect rect) {
     if (!windows) {
         connection = std::make_shared<X11Connection>(QByteArray());
-        windows.emplace(connection, clientOf(toolkit));
+        windows.emplace(connection, TopLevelWindows::Client::of(toolkit));
     }
     connection->discardEvents();
     std::vector<TopLevelWindow> all = windows->visible(rect);

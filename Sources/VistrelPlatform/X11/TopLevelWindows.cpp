@@ -18,6 +18,11 @@ std::span<const std::uint32_t> values(const xcb_get_property_reply_t* reply) {
 
 } // namespace
 
+TopLevelWindows::Client TopLevelWindows::Client::of(xcb_connection_t* connection) {
+    const xcb_setup_t* setup = xcb_get_setup(connection);
+    return {setup->resource_id_base, setup->resource_id_mask};
+}
+
 TopLevelWindows::TopLevelWindows(std::shared_ptr<X11Connection> server, std::optional<Client> ownClient)
     : connection(std::move(server)), own(ownClient) {}
 

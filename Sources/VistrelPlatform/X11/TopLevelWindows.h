@@ -24,6 +24,7 @@ public:
     struct Client {
         std::uint32_t base = 0;
         std::uint32_t mask = 0;
+        static Client of(xcb_connection_t* connection);
         bool owns(xcb_window_t window) const { return (window & ~mask) == base; }
     };
 

@@ -8,8 +8,7 @@ X11ScreenCapturer::X11ScreenCapturer() : X11ScreenCapturer(QByteArray()) {
     xcb_connection_t* toolkit = toolkitConnection();
     if (!toolkit)
         return;
-    const xcb_setup_t* setup = xcb_get_setup(toolkit);
-    own = X11DisplayFilter::OwnWindows{{setup->resource_id_base, setup->resource_id_mask},
+    own = X11DisplayFilter::OwnWindows{TopLevelWindows::Client::of(toolkit),
                                        std::make_shared<OwnWindowVeil>(connection)};
     if (connection->isAlive() && connection->extensions().composite)
         redirection = std::make_unique<WindowRedirection>(connection);

@@ -32,6 +32,11 @@ public:
     void prepareDialog(QWidget&) override {}
 };
 
+class NoClipboard : public ImageClipboard {
+public:
+    bool copyPNG(const QByteArray&) override { return false; }
+};
+
 /// Answers when the test says so.
 class PendingScreenshots : public ScreenshotCapturing {
 public:
@@ -64,6 +69,7 @@ protected:
     EditorPreferences preferences{defaults};
     FixedScreens screens;
     NoOverlayWindows overlays;
+    NoClipboard clipboard;
     PendingScreenshots screenshots;
     std::vector<CaptureTiming::Report> saved;
     CaptureSessionCoordinator coordinator{
@@ -71,6 +77,7 @@ protected:
          .screens = screens,
          .overlayWindows = overlays,
          .preferences = preferences,
+         .clipboard = clipboard,
          .diagnostics = nullptr,
          .share = nullptr,
          .hasPermission = [] { return true; },
