@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <thread>
 
 using namespace Qt::StringLiterals;
 
@@ -249,6 +250,58 @@ TEST(CaptureFlow, BrokenFilesAKilledProgramAFullDiskAndALostServerDoNoHarm) {
     const std::optional<int> status = vistrel.program->waitForExit(patience);
     ASSERT_TRUE(status);
     EXPECT_GE(*status, 0) << "ended by a signal: " << vistrel.program->standardError().constData();
+}
+
+TEST(CaptureFlow, TheShortcutsKeysMayBeLetGoInAnyOrderAndLate) {
+    constexpr KeyCode nineKey = 25;
+    constexpr ModifierMask superShift = Modifier::command | Modifier::shift;
+    VistrelOnDesktop vistrel;
+    vistrel.start();
+    XTestInput& input = vistrel.session.input();
+    int captures = 0;
+    for (const ModifierMask early : {Modifier::command, superShift, ModifierMask{0}}) {
+        SCOPED_TRACE(early);
+        input.pressModifiers(superShift);
+        input.pressKey(nineKey);
+        input.releaseModifiers(early);
+        ASSERT_TRUE(vistrel.waitFor("captureReady", ++captures));
+        EXPECT_TRUE(vistrel.closeCapture()) << "while the key is down";
+        input.releaseKey(nineKey);
+        input.releaseModifiers(superShift & ~early);
+        vistrel.type(u"9(("_s);
+    }
+    ASSERT_TRUE(vistrel.capture());
+    EXPECT_EQ(vistrel.story(),
+              "launch captureRequested captureReady captureClosed captureRequested captureReady "
+              "captureClosed captureRequested captureReady captureClosed captureRequested "
+              "captureReady");
+}
+
+TEST(CaptureFlow, ACopyThatTheServerRefusesLeavesEverythingOpen) {
+    VistrelOnDesktop vistrel;
+    const QImage desktop = noise({1280, 720});
+    vistrel.session.client().setRootPicture(desktop);
+    vistrel.start();
+    ASSERT_TRUE(vistrel.capture() && vistrel.select({100, 60, 1000, 600}));
+    {
+        // Takes the clipboard again and again, also between the key press and the end of the encoding.
+        const std::jthread other([&](const std::stop_token& stop) {
+            XClient client(vistrel.session.displayName());
+            const xcb_window_t window = client.createWindow({.rect = {0, 0, 1, 1}});
+            while (!stop.stop_requested()) {
+                xcb_set_selection_owner(client.connection(), window, client.atom("CLIPBOARD"),
+                                        XCB_CURRENT_TIME);
+                client.synchronize();
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            }
+        });
+        vistrel.command('c');
+        ASSERT_TRUE(vistrel.waitFor("copyFailed"));
+    }
+    EXPECT_TRUE(vistrel.copy() == desktop.copy(100, 60, 1000, 600));
+    EXPECT_EQ(vistrel.story(),
+              "launch captureRequested captureReady selectionCreated copyRequested copyFailed "
+              "copyRequested copySucceeded captureClosed");
 }
 
 // A window manager hands the keyboard around whenever a window comes or goes, sometimes a little late.

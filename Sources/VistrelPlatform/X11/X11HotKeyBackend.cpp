@@ -1,10 +1,12 @@
 #include "VistrelPlatform/X11/X11HotKeyBackend.h"
 
 #include "VistrelPlatform/KeyCodes.h"
+#include "VistrelPlatform/X11/X11KeyboardEvent.h"
 
 #include <QCoreApplication>
 
 #include <xcb/xinput.h>
+#include <xkbcommon/xkbcommon-x11.h>
 
 #include <algorithm>
 
@@ -13,14 +15,6 @@ namespace {
 /// A chord that no key of this keyboard produces.
 constexpr HotKeyStatus hotKeyHasNoKey = -XCB_VALUE;
 constexpr HotKeyStatus hotKeyConnectionLost = -1000;
-
-/// What the keyboard extension's events begin with.
-struct KeyboardEventHead {
-    std::uint8_t type;
-    std::uint8_t kind;
-};
-constexpr std::uint8_t newKeyboardKind = 0;
-constexpr std::uint8_t keyMapKind = 1;
 
 const xcb_query_extension_reply_t* extension(xcb_connection_t* connection, xcb_extension_t* id) {
     const xcb_query_extension_reply_t* reply = xcb_get_extension_data(connection, id);
@@ -32,14 +26,15 @@ const xcb_query_extension_reply_t* extension(xcb_connection_t* connection, xcb_e
 X11HotKeyBackend::X11HotKeyBackend() : connection(toolkitConnection()) {
     VISTREL_PRECONDITION(connection, "hot keys need the xcb platform");
     root = rootWindow(connection);
-    constexpr char keyboardName[] = "XKEYBOARD";
-    const auto keyboardCookie = xcb_query_extension(connection, sizeof keyboardName - 1, keyboardName);
+    const auto pointerCookie = xcb_query_pointer(connection, root);
     modifierMap = X11Modifiers::read(connection);
-    if (const auto keyboard = xcbReply<xcb_query_extension_reply>(connection, keyboardCookie);
-        keyboard && keyboard->present)
-        keyboardEvent = keyboard->first_event;
-    selectRawEvents();
-    readKeysDown();
+    if (const auto pointer = xcbReply<xcb_query_pointer_reply>(connection, pointerCookie))
+        modifierState = pointer->mask;
+    xkb_x11_setup_xkb_extension(connection, XKB_X11_MIN_MAJOR_XKB_VERSION, XKB_X11_MIN_MINOR_XKB_VERSION,
+                                XKB_X11_SETUP_XKB_EXTENSION_NO_FLAGS, nullptr, nullptr, &keyboardEvent,
+                                nullptr);
+    if (keyboardEvent != 0)
+        selectRawEvents();
     serverTimeSoon.setSingleShot(true);
     serverTimeSoon.setInterval(0);
     QObject::connect(&serverTimeSoon, &QTimer::timeout, [this] { serverTime = X11ServerTime::measure(); });
@@ -62,13 +57,15 @@ X11HotKeyBackend::~X11HotKeyBackend() {
 
 void X11HotKeyBackend::selectRawEvents() {
     const auto* input = extension(connection, &xcb_input_id);
-    if (!input)
+    // The keyboard whose modifiers the keyboard extension tells, and whose keys the grabs take.
+    const std::int32_t device = xkb_x11_get_core_keyboard_device_id(connection);
+    if (!input || device < 0)
         return;
     const auto versionCookie = xcb_input_xi_query_version(connection, 2, 100);
     struct {
         xcb_input_event_mask_t head;
         std::uint32_t mask;
-    } const selection{{XCB_INPUT_DEVICE_ALL_MASTER, 1},
+    } const selection{{static_cast<xcb_input_device_id_t>(device), 1},
                       XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE};
     const auto cookie = xcb_input_xi_select_events_checked(connection, root, 1, &selection.head);
     const bool selected = !XcbOwned<xcb_generic_error_t>(xcb_request_check(connection, cookie));
@@ -119,6 +116,9 @@ HotKeyStatus X11HotKeyBackend::registerHotKey(KeyCode key, ModifierMask modifier
         if (const HotKeyStatus status = grab(registration); status != hotKeyRegistered)
             return status;
     registrations.push_back(registration);
+    // The press was meant for whoever asks: the shortcut has just been typed into the recorder, say.
+    if (isDown(registration.keyCode))
+        held.set(registration.keyCode);
     return hotKeyRegistered;
 }
 
@@ -137,11 +137,8 @@ void X11HotKeyBackend::unregisterHotKey(HotKeyId id) {
 
 void X11HotKeyBackend::keyboardChanged() {
     const X11Modifiers current = X11Modifiers::read(connection);
-    // Another keyboard of the same kind. The keys held down are known: asking the server now would run ahead
-    // of the presses that are still on their way here.
-    if (current == modifierMap)
+    if (current == modifierMap) // another keyboard of the same kind
         return;
-    readKeysDown();
     for (const Registration& registration : registrations)
         ungrab(registration);
     modifierMap = current;
@@ -150,17 +147,21 @@ void X11HotKeyBackend::keyboardChanged() {
             qWarning("hot key %u was lost with a keyboard change: status %d", registration.id, status);
 }
 
+bool X11HotKeyBackend::isDown(xcb_keycode_t keyCode) const {
+    const auto keymap = xcbReply<xcb_query_keymap_reply>(connection, xcb_query_keymap(connection));
+    return keymap && (keymap->keys[keyCode / 8] >> (keyCode % 8) & 1) != 0;
+}
+
 bool X11HotKeyBackend::nativeEventFilter(const QByteArray& type, void* message, qintptr*) {
     if (type != "xcb_generic_event_t")
         return false;
     const auto* event = static_cast<const xcb_generic_event_t*>(message);
     const auto kind = static_cast<std::uint8_t>(event->response_type & 0x7F);
     if (kind == XCB_KEY_PRESS || kind == XCB_KEY_RELEASE) {
-        const auto* key = reinterpret_cast<const xcb_key_press_event_t*>(event);
-        if (key->event == root && kind == XCB_KEY_PRESS)
-            handlePress(key->detail, key->state, key->time);
-        else if (key->event == root && !rawEvents)
-            handleRelease(key->detail);
+        const auto& key = *reinterpret_cast<const xcb_key_press_event_t*>(event);
+        if (key.event != root)
+            return isOfHeldKey({key.detail, key.time}, kind == XCB_KEY_PRESS);
+        handleGrabbedKey(key, kind == XCB_KEY_PRESS);
     } else if (kind == XCB_GE_GENERIC) {
         const auto* generic = reinterpret_cast<const xcb_ge_generic_event_t*>(event);
         if (rawEvents && generic->extension == inputOpcode)
@@ -168,63 +169,67 @@ bool X11HotKeyBackend::nativeEventFilter(const QByteArray& type, void* message, 
     } else if (kind == XCB_MAPPING_NOTIFY) {
         keyboardSettled.start();
     } else if (keyboardEvent != 0 && kind == keyboardEvent) {
-        const auto* head = reinterpret_cast<const KeyboardEventHead*>(event);
-        if (head->kind == newKeyboardKind || head->kind == keyMapKind)
+        const auto& change = *reinterpret_cast<const X11KeyboardEvent*>(event);
+        if (change.changesMapping())
             keyboardSettled.start();
+        else if (change.kind == X11KeyboardEvent::stateKind)
+            modifierState = change.grabModifiers;
     }
     // The toolkit goes on with it, and learns the event's time from it.
     return false;
+}
+
+void X11HotKeyBackend::handleGrabbedKey(const xcb_key_press_event_t& key, bool isPress) {
+    const KeyInstant now{key.detail, key.time};
+    if (!isPress)
+        return handleRelease(now);
+    // The keyboard is free again at once, so that what opens now has every key while this one stays down. Not
+    // where the release would then be told to others only.
+    if (rawEvents) {
+        xcb_ungrab_keyboard(connection, key.time);
+        xcb_flush(connection);
+    }
+    // A repetition: a release and a press of the same instant.
+    if (lastRelease == now)
+        held.set(now.keyCode);
+    handlePress(now, key.state);
 }
 
 void X11HotKeyBackend::handleRawEvent(const xcb_ge_generic_event_t& event) {
     if (event.event_type != XCB_INPUT_RAW_KEY_PRESS && event.event_type != XCB_INPUT_RAW_KEY_RELEASE)
         return;
     const auto& raw = reinterpret_cast<const xcb_input_raw_key_press_event_t&>(event);
-    const auto keyCode = static_cast<xcb_keycode_t>(raw.detail);
-    if (event.event_type == XCB_INPUT_RAW_KEY_RELEASE) {
-        keysDown.reset(keyCode);
-        handleRelease(keyCode);
-        return;
-    }
+    const KeyInstant now{static_cast<xcb_keycode_t>(raw.detail), raw.time};
+    if (event.event_type == XCB_INPUT_RAW_KEY_RELEASE)
+        return handleRelease(now);
     if (raw.flags & XCB_INPUT_KEY_EVENT_FLAGS_KEY_REPEAT)
         return;
-    // Raw events carry no modifiers: they follow from the keys that went down before.
-    const std::uint16_t state = modifierMap.stateOf(keysDown);
-    keysDown.set(keyCode);
-    const bool wanted =
-        std::ranges::any_of(registrations, [&](const Registration& row) { return row.keyCode == keyCode; });
-    if (!wanted)
-        return;
-    // A raw press without the repeat flag is a new one even if the last release was never told.
-    if (held && held->keyCode == keyCode && held->time != raw.time)
-        held.reset();
-    handlePress(keyCode, state, raw.time);
+    // A new press, even if the last release was never told.
+    held.reset(now.keyCode);
+    handlePress(now, modifierState);
 }
 
-void X11HotKeyBackend::readKeysDown() {
-    keysDown.reset();
-    const auto keymap = xcbReply<xcb_query_keymap_reply>(connection, xcb_query_keymap(connection));
-    if (!keymap)
-        return;
-    for (std::size_t key = 0; key < keysDown.size(); ++key)
-        keysDown.set(key, (keymap->keys[key / 8] >> (key % 8) & 1) != 0);
-}
-
-void X11HotKeyBackend::handlePress(xcb_keycode_t keyCode, std::uint16_t state, xcb_timestamp_t time) {
-    if (held && held->keyCode == keyCode)
-        return;
+void X11HotKeyBackend::handlePress(KeyInstant now, std::uint16_t state) {
     const auto newest =
         std::ranges::find_if(registrations.rbegin(), registrations.rend(), [&](const Registration& row) {
-            return row.keyCode == keyCode && modifierMap.matches(state, row.modifiers);
+            return row.keyCode == now.keyCode && modifierMap.matches(state, row.modifiers);
         });
-    if (newest == registrations.rend())
+    // The raw event and the grab tell the same press.
+    if (newest == registrations.rend() || held[now.keyCode] || lastPress == now)
         return;
-    held = Press{keyCode, time};
+    held.set(now.keyCode);
+    lastPress = now;
     if (onPressed)
-        onPressed(newest->id, serverTime.instantOf(time));
+        onPressed(newest->id, serverTime.instantOf(now.time));
 }
 
-void X11HotKeyBackend::handleRelease(xcb_keycode_t keyCode) {
-    if (held && held->keyCode == keyCode)
-        held.reset();
+void X11HotKeyBackend::handleRelease(KeyInstant now) {
+    if (!held[now.keyCode])
+        return;
+    held.reset(now.keyCode);
+    lastRelease = now;
+}
+
+bool X11HotKeyBackend::isOfHeldKey(KeyInstant now, bool isPress) const {
+    return held[now.keyCode] || (!isPress && lastRelease == now);
 }

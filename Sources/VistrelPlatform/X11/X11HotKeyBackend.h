@@ -8,11 +8,13 @@
 #include <QObject>
 #include <QTimer>
 
+#include <bitset>
 #include <optional>
 #include <vector>
 
 /// Hot keys as passive grabs on the root, on the toolkit's connection. Main thread. A grab stays silent
-/// while another program holds the keyboard (an open menu); the raw key events of XInput 2 serve then.
+/// while another program holds the keyboard (an open menu); the raw key events of XInput 2 serve then. A
+/// hot key's repetitions and its release are kept from the program's own windows.
 class X11HotKeyBackend : public HotKeyBackend, private QAbstractNativeEventFilter {
 public:
     /// Needs the application object on the xcb platform.
@@ -32,19 +34,23 @@ private:
             return keyCode == other.keyCode && modifiers == other.modifiers;
         }
     };
-    /// The last press of a key: the grab and the raw event tell the same one, with the same time.
-    struct Press {
+    struct KeyInstant {
         xcb_keycode_t keyCode = 0;
         xcb_timestamp_t time = 0;
+
+        friend bool operator==(const KeyInstant&, const KeyInstant&) = default;
     };
 
     bool nativeEventFilter(const QByteArray& type, void* message, qintptr* result) override;
     void handleRawEvent(const xcb_ge_generic_event_t& event);
-    void handlePress(xcb_keycode_t keyCode, std::uint16_t state, xcb_timestamp_t time);
-    void handleRelease(xcb_keycode_t keyCode);
+    void handleGrabbedKey(const xcb_key_press_event_t& key, bool isPress);
+    void handlePress(KeyInstant now, std::uint16_t state);
+    void handleRelease(KeyInstant now);
+    /// Whether a key event of one of our windows belongs to a hot key that is, or just was, down.
+    bool isOfHeldKey(KeyInstant now, bool isPress) const;
+    bool isDown(xcb_keycode_t keyCode) const;
     void keyboardChanged();
     void selectRawEvents();
-    void readKeysDown();
     HotKeyStatus grab(const Registration& registration) const;
     void ungrab(const Registration& registration) const;
 
@@ -54,8 +60,13 @@ private:
     X11ServerTime serverTime{false};
     X11Modifiers modifierMap;
     std::vector<Registration> registrations;
-    std::optional<Press> held;
-    X11Modifiers::Keys keysDown;
+    /// The keys of hot keys that are down since they were pressed, or since they were registered.
+    std::bitset<256> held;
+    std::optional<KeyInstant> lastPress;
+    std::optional<KeyInstant> lastRelease;
+    /// As the server last told it. It tells every change, before the presses that come after it: asked at a
+    /// press it would say what holds by then, when a quick hand has let the modifiers go.
+    std::uint16_t modifierState = 0;
     bool rawEvents = false;
     std::uint8_t inputOpcode = 0;
     std::uint8_t keyboardEvent = 0;

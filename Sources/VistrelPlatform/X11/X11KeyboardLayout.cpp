@@ -1,6 +1,7 @@
 #include "VistrelPlatform/X11/X11KeyboardLayout.h"
 
 #include "VistrelPlatform/KeyCodes.h"
+#include "VistrelPlatform/X11/X11KeyboardEvent.h"
 #include "VistrelPlatform/X11/Xcb.h"
 
 #include <QCoreApplication>
@@ -12,20 +13,6 @@
 #include <tuple>
 
 namespace {
-
-/// What the keyboard extension's events of all kinds begin with, as far as the active group.
-struct KeyboardEvent {
-    std::uint8_t type;
-    std::uint8_t kind;
-    std::uint16_t sequence;
-    std::uint32_t time;
-    std::uint8_t device;
-    std::uint8_t modifiers[4];
-    std::uint8_t group;
-};
-constexpr std::uint8_t newKeyboardKind = 0;
-constexpr std::uint8_t keyMapKind = 1;
-constexpr std::uint8_t stateKind = 2;
 
 template<auto release>
 struct Release {
@@ -129,9 +116,9 @@ bool X11KeyboardLayout::nativeEventFilter(const QByteArray& type, void* message,
     if (kind == XCB_MAPPING_NOTIFY) {
         outdated = true;
     } else if (keyboardEvent != 0 && kind == keyboardEvent) {
-        const auto* change = reinterpret_cast<const KeyboardEvent*>(event);
-        outdated = outdated || change->kind == newKeyboardKind || change->kind == keyMapKind ||
-                   (change->kind == stateKind && change->group != activeGroup);
+        const auto* change = reinterpret_cast<const X11KeyboardEvent*>(event);
+        outdated = outdated || change->changesMapping() ||
+                   (change->kind == X11KeyboardEvent::stateKind && change->group != activeGroup);
     }
     return false;
 }

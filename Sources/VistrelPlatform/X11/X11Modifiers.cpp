@@ -62,11 +62,6 @@ X11Modifiers X11Modifiers::read(xcb_connection_t* connection) {
     result.option = keys.bit({symbolAltLeft, symbolAltRight});
     result.numLock = keys.bit({symbolNumLock});
     result.scrollLock = keys.bit({symbolScrollLock});
-    const xcb_keycode_t* codes = xcb_get_modifier_mapping_keycodes(mapping.get());
-    for (Keys& keysOfOne : result.keysOfModifier)
-        for (int index = 0; index < mapping->keycodes_per_modifier; ++index, ++codes)
-            if (*codes != 0)
-                keysOfOne.set(*codes);
     return result;
 }
 
@@ -99,14 +94,6 @@ ModifierMask X11Modifiers::modifiers(std::uint16_t state) const {
 bool X11Modifiers::matches(std::uint16_t state, ModifierMask modifiers) const {
     const unsigned locks = XCB_MOD_MASK_LOCK | numLock | scrollLock;
     return canProduce(modifiers) && (state & allModifierBits & ~locks) == this->state(modifiers);
-}
-
-std::uint16_t X11Modifiers::stateOf(const Keys& down) const {
-    unsigned state = 0;
-    for (std::size_t modifier = 0; modifier < keysOfModifier.size(); ++modifier)
-        if ((keysOfModifier[modifier] & down).any())
-            state |= 1U << modifier;
-    return static_cast<std::uint16_t>(state);
 }
 
 std::vector<std::uint16_t> X11Modifiers::lockVariants() const {

@@ -3,8 +3,6 @@
 #include "VistrelPlatform/Keyboard.h"
 #include "VistrelPlatform/X11/Xcb.h"
 
-#include <array>
-#include <bitset>
 #include <cstdint>
 #include <vector>
 
@@ -12,9 +10,6 @@
 /// configuration decides that, not the protocol. A value.
 class X11Modifiers {
 public:
-    /// One bit for each of the server's key codes.
-    using Keys = std::bitset<256>;
-
     X11Modifiers() = default;
     static X11Modifiers read(xcb_connection_t* connection);
 
@@ -24,8 +19,6 @@ public:
     ModifierMask modifiers(std::uint16_t state) const;
     /// Whether exactly these modifiers are held, whatever the locks.
     bool matches(std::uint16_t state, ModifierMask modifiers) const;
-    /// The modifier bits of the keys that are down.
-    std::uint16_t stateOf(const Keys& down) const;
     /// Every combination of the locks, none included: what a grab must be repeated for.
     std::vector<std::uint16_t> lockVariants() const;
     /// Whether the keyboard can produce all of the modifiers.
@@ -38,6 +31,4 @@ private:
     std::uint16_t option = 0;
     std::uint16_t numLock = 0;
     std::uint16_t scrollLock = 0;
-    /// The keys of each modifier bit.
-    std::array<Keys, 8> keysOfModifier;
 };
