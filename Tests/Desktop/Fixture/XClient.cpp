@@ -305,3 +305,9 @@ void XClient::ungrabKeyboard() {
     xcb_ungrab_keyboard(xcb, XCB_CURRENT_TIME);
     synchronize();
 }
+
+void XClient::setKeyRepeat(bool repeats) {
+    const std::uint32_t mode = repeats ? XCB_AUTO_REPEAT_MODE_ON : XCB_AUTO_REPEAT_MODE_OFF;
+    xcb_change_keyboard_control(xcb, XCB_KB_AUTO_REPEAT_MODE, &mode);
+    synchronize();
+}

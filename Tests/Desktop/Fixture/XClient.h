@@ -85,6 +85,8 @@ public:
     /// True when the whole keyboard belongs to this client now.
     bool grabKeyboard();
     void ungrabKeyboard();
+    /// Whether a key that is held is sent again and again.
+    void setKeyRepeat(bool repeats);
 
 private:
     xcb_pixmap_t upload(const QImage& picture);
