@@ -1,7 +1,7 @@
 #pragma once
 
+#include "Desktop/PanelPlaces.h"
 #include "Desktop/VistrelOnDesktop.h"
-#include "VistrelCore/EditorLayout.h"
 
 /// The editor of one display as its user sees it: where every control stands on the screen, and what the
 /// journal says of each step. The display's picture has no two equal neighbours.
@@ -16,18 +16,20 @@ public:
     /// Starts the program, captures and drags out `area`.
     [[nodiscard]] bool edit(QRect area);
 
-    QPoint toolButton(Tool tool) const;
-    QPoint undoButton() const { return cell(6, 0); }
-    QPoint redoButton() const { return cell(6, 1); }
-    QPoint colorWell() const { return cell(5, 1); }
-    QPoint sizeField() const;
-    QPoint plusButton() const { return 2 * sizeField() - minusButton(); }
-    QPoint minusButton() const;
-    QPoint actionButton(Action action) const;
+    QPoint toolButton(Tool tool) const { return center(PanelControl::tool, tool); }
+    QPoint undoButton() const { return center(PanelControl::undo); }
+    QPoint redoButton() const { return center(PanelControl::redo); }
+    QPoint colorWell() const { return center(PanelControl::color); }
+    QPoint sizeField() const { return center(PanelControl::sizeField); }
+    QPoint plusButton() const { return center(PanelControl::larger); }
+    QPoint minusButton() const { return center(PanelControl::smaller); }
+    QPoint actionButton(Action action) const {
+        return center(PanelControl::Kind(PanelControl::record + int(action)));
+    }
     /// Parts of a row in sight, counted from the top of the list before it was scrolled.
-    QPoint rowIcon(int row) const { return rowPoint(row, 14); }
-    QPoint rowLabel(int row) const { return rowPoint(row, 60); }
-    QPoint rowTrash(int row) const;
+    QPoint rowIcon(int row) const { return center(PanelControl::rowIcon, row); }
+    QPoint rowLabel(int row) const { return center(PanelControl::rowLabel, row); }
+    QPoint rowTrash(int row) const { return center(PanelControl::rowTrash, row); }
 
     void click(QPoint position) { session.input().click(position); }
     void drag(QPoint from, QPoint to) { session.input().drag(from, to); }
@@ -42,10 +44,7 @@ public:
     int layers = 0;
 
 private:
-    EditorLayout layout() const;
-    QRectF onScreen(const Rect& rect) const;
-    QPoint cell(int row, int column) const;
-    QPoint rowPoint(int row, double designX) const;
+    QPoint center(PanelControl::Kind kind, int index = 0) const;
 
     qsizetype read = 0;
 };

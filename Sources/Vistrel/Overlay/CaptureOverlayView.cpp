@@ -41,7 +41,8 @@ CaptureOverlayView::CaptureOverlayView(EditorPreferences& editorPreferences, QWi
     setAccessibleName(QStringLiteral("Capture canvas"));
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAttribute(Qt::WA_NoSystemBackground);
-    setFocusPolicy(Qt::StrongFocus);
+    // The rules give it the keyboard: a click policy would take clicks on the panels for clicks on it, too.
+    setFocusPolicy(Qt::TabFocus);
     setMouseTracking(true);
     setCursor(Qt::CrossCursor);
     editor->session.hooks = makeHooks();

@@ -12,7 +12,7 @@ Bystander::Bystander(const QByteArray& displayName)
                                .color = 0xFF204060,
                                .overrideRedirect = false,
                                .eventMask = XCB_EVENT_MASK_KEY_PRESS})) {
-    const std::uint32_t answers = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+    const std::uint32_t answers = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     xcb_change_window_attributes(client.connection(), client.root(), XCB_CW_EVENT_MASK, &answers);
     client.map(own);
     waitUntil([this] {

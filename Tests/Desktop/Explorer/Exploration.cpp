@@ -24,7 +24,7 @@ QRect displayRect(std::size_t index) {
 QString names(const std::vector<double>& scales) {
     QStringList parts;
     for (std::size_t index = 0; index < scales.size(); ++index)
-        parts << QStringLiteral("%1=%2").arg(index == 0 ? u'L' : u'R').arg(scales[index]);
+        parts << QStringLiteral("%1=%2").arg(QChar(index == 0 ? u'L' : u'R')).arg(scales[index]);
     return parts.join(u';');
 }
 
@@ -72,6 +72,7 @@ Exploration::Exploration(const Setup& setup)
 
 std::optional<QString> Exploration::run(const std::vector<Step>& steps) {
     vistrel.start();
+    movePointer({600, 360});
     int number = 0;
     try {
         for (const Step& step : steps) {
@@ -86,6 +87,8 @@ std::optional<QString> Exploration::run(const std::vector<Step>& steps) {
             }
             if (!rules.isOpen())
                 checkClosed();
+            if (tells)
+                tell(step);
         }
         leave();
         end();
@@ -93,6 +96,13 @@ std::optional<QString> Exploration::run(const std::vector<Step>& steps) {
         return QStringLiteral("at step %1: %2").arg(number).arg(disagreement.what);
     }
     return std::nullopt;
+}
+
+void Exploration::tell(const Step& step) {
+    const Rules::Receiver over = rules.at(rules.pointer);
+    qInfo().noquote() << "   " << step.describe() << "at" << rules.pointer.x() << rules.pointer.y() << "part"
+                      << over.part << over.shown.kind << over.shown.index << "->"
+                      << rules.journal.mid(std::exchange(toldBefore, rules.journal.size())).join(u' ');
 }
 
 void Exploration::beginCapture() {
@@ -172,7 +182,7 @@ void Exploration::doublePress() {
         return;
     press(1);
     check();
-    if (!rules.isOpen() || rules.dialog != Rules::Dialog::none)
+    if (!rules.isPressed(1) || !rules.isOpen() || rules.dialog != Rules::Dialog::none)
         return;
     release(1);
     if (!rules.isOpen() || rules.dialog != Rules::Dialog::none ||
@@ -208,7 +218,8 @@ void Exploration::keyDown(int key) {
     const bool command = mask & (Modifier::control | Modifier::command);
     if (command && rules.hasGesture() && (pressed.code == 1 || pressed.code == 8))
         return;
-    if (pressed.code == Key::escape && rules.at(rules.pointer).part == Rules::Receiver::control)
+    if (pressed.code == Key::escape &&
+        (rules.keyDisplay().fieldHasFocus || rules.at(rules.pointer).part == Rules::Receiver::control))
         return;
     Qt::KeyboardModifiers qtModifiers;
     qtModifiers.setFlag(Qt::ControlModifier, mask & Modifier::control);
@@ -301,6 +312,12 @@ void Exploration::dismissDialog(const Step& step) {
 void Exploration::leave() {
     constexpr int mostEscapes = 3;
     letGo();
+    if (rules.keyDisplay().fieldHasFocus) {
+        keyDown(handKey(Key::returnKey));
+        keyUp(handKey(Key::returnKey));
+    }
+    for (int x = 0; rules.isOpen() && rules.at(rules.pointer).part != Rules::Receiver::canvas; x += 40)
+        movePointer(rules.keyDisplay().rect.topLeft() + QPoint(x, 2));
     for (int escapes = 0; rules.isOpen() && escapes < mostEscapes; ++escapes) {
         keyDown(handKey(Key::escape));
         keyUp(handKey(Key::escape));

@@ -23,6 +23,8 @@ public:
 
     explicit Exploration(const Setup& setup);
 
+    /// Says every step with what it led to.
+    bool tells = false;
     /// Takes the steps and ends the program; what did not agree, or nothing.
     std::optional<QString> run(const std::vector<Step>& steps);
 
@@ -56,6 +58,7 @@ private:
     void dismissDialog(const Step& step);
     void leave();
     void end();
+    void tell(const Step& step);
 
     // Places.
     QPoint resolve(const Step& step) const;
@@ -66,6 +69,7 @@ private:
     void check();
     void checkProgram();
     void checkJournal();
+    bool isScaled();
     void checkPicture(std::size_t index);
     void checkClosed();
     QStringList newLines();
@@ -83,5 +87,6 @@ private:
     qint64 journalRead = 0;
     std::chrono::steady_clock::time_point lastPress;
     QPoint lastPressAt;
-    qsizetype outputs = 0;
+    std::optional<QPoint> hintAt;
+    qsizetype toldBefore = 0;
 };

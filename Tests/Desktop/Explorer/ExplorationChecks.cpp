@@ -115,8 +115,11 @@ std::vector<MappedWindow> Exploration::windowsAbove(xcb_window_t overlay) {
     const auto found = std::ranges::find(all, overlay, &MappedWindow::id);
     if (found == all.end())
         return {};
+    const QRect covered = found->rect;
     all.erase(all.begin(), found + 1);
-    std::erase_if(all, [this](const MappedWindow& window) {
+    std::erase_if(all, [&](const MappedWindow& window) {
+        if (!window.rect.intersects(covered))
+            return true;
         for (std::size_t index = 0; index < rules.displayCount(); ++index)
             if (window.rect == rules.display(index).rect)
                 return true;
@@ -125,24 +128,47 @@ std::vector<MappedWindow> Exploration::windowsAbove(xcb_window_t overlay) {
     return all;
 }
 
+bool Exploration::isScaled() {
+    for (std::size_t index = 0; index < rules.displayCount(); ++index)
+        if (rules.display(index).scale != 1)
+            return true;
+    return false;
+}
+
 void Exploration::checkPicture(std::size_t index) {
     RuledDisplay& on = rules.display(index);
-    QImage wanted = on.picture();
+    const QImage picture = on.picture();
+    std::vector<QRect> letters;
+    if (isScaled())
+        letters = on.letters();
+    QImage wanted;
     QImage seen;
+    // A hint comes when it likes, and may outlive the place of the control under the pointer.
+    if (const auto part = rules.at(rules.pointer).part;
+        part == Rules::Receiver::control || part == Rules::Receiver::panel)
+        hintAt = rules.pointer;
+    if (hintAt != rules.pointer)
+        hintAt.reset();
     const auto agree = [&] {
+        wanted = picture;
         seen = vistrel.session.screenPixels(on.rect);
         std::vector<QRect> hidden;
+        const PanelPlaces places = on.places();
         if (on.showsPanels())
-            for (const QRectF& panel : on.places().panels())
+            for (const QRectF& panel : places.panels())
                 hidden.push_back(on.toRoot(panel.adjusted(-2, -2, 2, 2)));
         if (on.textView)
             hidden.push_back(on.toRoot(on.textArea().adjusted(-2, -2, 2, 2)));
+        if (hintAt)
+            hidden.push_back(on.toRoot(QRectF(on.toPoints(*hintAt) - QPointF(300, 50), QSizeF(600, 100))));
         for (const MappedWindow& window : windowsAbove(overlayOn(index)))
             hidden.push_back(window.rect.adjusted(-2, -2, 2, 2));
-        for (QImage* picture : {&wanted, &seen}) {
-            QPainter painter(picture);
+        for (QImage* image : {&wanted, &seen}) {
+            QPainter painter(image);
             for (const QRect& rect : hidden)
                 painter.fillRect(rect.translated(-on.rect.topLeft()), Qt::black);
+            for (const QRect& rect : letters)
+                painter.fillRect(rect, Qt::black);
         }
         return wanted == seen;
     };

@@ -177,3 +177,15 @@ QImage RuledDisplay::picture() {
     canvas.paintDecorations(shown, badgeText, QApplication::palette().color(QPalette::Highlight));
     return result;
 }
+
+std::vector<QRect> RuledDisplay::letters() const {
+    const CanvasSpace space{size(), document().image.size()};
+    const DecorationLayout layout = DecorationLayout::of(document(), space, badgeText);
+    std::vector<QRect> result;
+    if (layout.badge)
+        result.push_back(layout.badge->frame.adjusted(-8, -2, 8, 2));
+    for (const EditorAnnotation& layer : document().state.annotations)
+        if (layer.tool == AnnotationTool::text)
+            result.push_back(space.pixelsOf(layer.paintedBounds().insetBy(-2)));
+    return result;
+}

@@ -41,6 +41,8 @@ public:
     void leaveField();
     /// What the display looks like, panels left out; device pixels.
     QImage picture();
+    /// Where letters stand in it, which look a little different in a program with scaled displays.
+    std::vector<QRect> letters() const;
 
     const QRect rect;
     const double scale;

@@ -14,16 +14,24 @@ QTextStream out(stdout);
 
 using Setup = Exploration::Setup;
 
-std::optional<QString> explore(const Setup& setup, const std::vector<Step>& all,
-                               const std::vector<int>& kept) {
+std::optional<QString> explore(const Setup& setup, const std::vector<Step>& all, const std::vector<int>& kept,
+                               bool tells = false) {
     std::vector<Step> steps;
     for (const int index : kept)
         steps.push_back(all[std::size_t(index)]);
-    return Exploration(setup).run(steps);
+    Exploration exploration(setup);
+    exploration.tells = tells;
+    return exploration.run(steps);
 }
 
-/// Leaves out ever smaller pieces for as long as what is left still disagrees.
-std::vector<int> shrunk(const Setup& setup, const std::vector<Step>& all, std::vector<int> kept, int tries) {
+/// The kind of a disagreement, without its numbers.
+QString kind(const std::optional<QString>& what) {
+    return what ? what->section(u' ', 3, 6) : QString();
+}
+
+/// Leaves out ever smaller pieces for as long as what is left still disagrees in the same way.
+std::vector<int> shrunk(const Setup& setup, const std::vector<Step>& all, std::vector<int> kept, int tries,
+                        const QString& wanted) {
     for (std::size_t piece = std::max<std::size_t>(kept.size() / 2, 1);;
          piece = std::max<std::size_t>(piece / 2, 1)) {
         bool smaller = false;
@@ -32,7 +40,7 @@ std::vector<int> shrunk(const Setup& setup, const std::vector<Step>& all, std::v
             const auto first = rest.begin() + std::ptrdiff_t(from);
             rest.erase(first, first + std::ptrdiff_t(std::min(piece, rest.size() - from)));
             --tries;
-            if (explore(setup, all, rest)) {
+            if (kind(explore(setup, all, rest)) == wanted) {
                 kept = rest;
                 smaller = true;
             } else {
@@ -54,6 +62,7 @@ struct Options {
     std::optional<int> displays;
     std::optional<double> scale;
     std::optional<bool> windowManager;
+    bool tells = false;
 
     Setup setupFor(unsigned of) const {
         Setup setup = Setup::of(of);
@@ -81,6 +90,7 @@ Options parse(const QStringList& arguments) {
     option("scale", "Device pixels per point; otherwise the seed decides.", "number");
     option("window-manager", "yes or no; otherwise the seed decides.", "answer");
     option("shrink", "How often a failing sequence is tried with steps left out.", "number");
+    parser.addOption({QStringLiteral("tell"), QStringLiteral("Says what every step leads to.")});
     parser.addHelpOption();
     parser.process(arguments);
     const auto number = [&](const char* name, int otherwise) {
@@ -100,6 +110,7 @@ Options parse(const QStringList& arguments) {
         options.scale = parser.value(QStringLiteral("scale")).toDouble();
     if (parser.isSet(QStringLiteral("window-manager")))
         options.windowManager = parser.value(QStringLiteral("window-manager")) == u"yes";
+    options.tells = parser.isSet(QStringLiteral("tell"));
     return options;
 }
 
@@ -107,7 +118,7 @@ void report(const Options& options, unsigned seed, const std::vector<Step>& step
             const QString& what) {
     const Setup setup = options.setupFor(seed);
     out << "seed " << seed << " FAILED " << what << "\n" << Qt::flush;
-    kept = shrunk(setup, steps, kept, options.shrinkTries);
+    kept = shrunk(setup, steps, kept, options.shrinkTries, kind(what));
     const auto last = explore(setup, steps, kept);
     QStringList numbers;
     for (const int index : kept)
@@ -139,7 +150,7 @@ int main(int argc, char** argv) {
             std::iota(kept.begin(), kept.end(), 0);
         }
         out << "seed " << seed << ", " << kept.size() << " steps, " << setup.text() << "\n" << Qt::flush;
-        if (const auto what = explore(setup, steps, kept)) {
+        if (const auto what = explore(setup, steps, kept, options.tells)) {
             ++failures;
             report(options, seed, steps, kept, *what);
         }

@@ -189,6 +189,17 @@ TEST_F(CaptureOverlayViewTests, aTypedSizeIsTakenOverOrPutBack) {
     EXPECT_EQ(viewClosed, 1);
 }
 
+TEST_F(CaptureOverlayViewTests, aPanelsButtonPressedInVainLeavesTheKeyboardToTheText) {
+    gesture({{300, 200}, {700, 500}});
+    tool(u't');
+    gesture({{400, 300}});
+    pressAt(middle(part("copy")));
+    moveTo({10, 10});
+    releaseAt({10, 10});
+    QTest::keyClick(window.windowHandle(), 'p');
+    EXPECT_EQ(static_cast<AnnotationTextView&>(part("annotationText")).string(), u"p"_s);
+}
+
 TEST_F(CaptureOverlayViewTests, nothingOfACaptureOutlivesIt) {
     gesture({{300, 200}, {700, 500}});
     tool(u't');
