@@ -122,8 +122,7 @@ void Rules::press(int button, int clicks) {
         receiver = at(pointer);
     buttons.insert(button);
     RuledDisplay& on = *displays[receiver.display];
-    if (receiver.part == Receiver::canvas)
-        keyboard = receiver.display;
+    keyboard = receiver.display;
     if (button != 1)
         return;
     pressedAt = pointer;
