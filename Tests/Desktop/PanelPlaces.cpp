@@ -72,6 +72,8 @@ void PanelPlaces::addActions(const QRectF& panel) {
 }
 
 void PanelPlaces::addRows(const QRectF& panel, int layers) {
+    all.push_back(
+        {PanelControl::heading, 0, QRectF(panel.topLeft(), QSizeF(panel.width(), headingHeight * scale))});
     const double width = listWidth - (layers > visibleRows ? scrollBarWidth : 0);
     const auto add = [&](PanelControl::Kind kind, int row, double left, double right) {
         const double top = headingHeight + row * rowPitch + 4;

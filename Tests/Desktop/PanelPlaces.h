@@ -20,6 +20,7 @@ struct PanelControl {
         share,
         save,
         copy,
+        heading,
         rowIcon,
         rowLabel,
         rowTrash

@@ -153,19 +153,8 @@ void Exploration::movePointer(QPoint to) {
     rules.movePointer(to);
 }
 
-// Faults that are being mended.
-bool Exploration::meetsKnownFault() const {
-    auto& all = const_cast<Rules&>(rules);
-    const Rules::Receiver over = rules.at(rules.pointer);
-    const RuledDisplay& on = all.display(over.display);
-    return over.part == Rules::Receiver::canvas && on.showsPanels() &&
-           !on.document().selection.contains(on.viewPoint(rules.pointer));
-}
-
 void Exploration::press(int button) {
     if (rules.isPressed(button))
-        return;
-    if (!rules.hasGesture() && meetsKnownFault())
         return;
     if (!rules.hasGesture())
         movePointer(sure(rules.pointer));
@@ -215,12 +204,6 @@ void Exploration::keyDown(int key) {
     if (heldKeys.contains(key) || (rules.holdsControl() && !pressed.modifier))
         return;
     const ModifierMask mask = modifiers();
-    const bool command = mask & (Modifier::control | Modifier::command);
-    if (command && rules.hasGesture() && (pressed.code == 1 || pressed.code == 8))
-        return;
-    if (pressed.code == Key::escape &&
-        (rules.keyDisplay().fieldHasFocus || rules.at(rules.pointer).part == Rules::Receiver::control))
-        return;
     Qt::KeyboardModifiers qtModifiers;
     qtModifiers.setFlag(Qt::ControlModifier, mask & Modifier::control);
     qtModifiers.setFlag(Qt::ShiftModifier, mask & Modifier::shift);
@@ -312,12 +295,6 @@ void Exploration::dismissDialog(const Step& step) {
 void Exploration::leave() {
     constexpr int mostEscapes = 3;
     letGo();
-    if (rules.keyDisplay().fieldHasFocus) {
-        keyDown(handKey(Key::returnKey));
-        keyUp(handKey(Key::returnKey));
-    }
-    for (int x = 0; rules.isOpen() && rules.at(rules.pointer).part != Rules::Receiver::canvas; x += 40)
-        movePointer(rules.keyDisplay().rect.topLeft() + QPoint(x, 2));
     for (int escapes = 0; rules.isOpen() && escapes < mostEscapes; ++escapes) {
         keyDown(handKey(Key::escape));
         keyUp(handKey(Key::escape));

@@ -45,7 +45,6 @@ private:
     void perform(const Step& step);
     void move(const Step& step);
     void movePointer(QPoint to);
-    bool meetsKnownFault() const;
     void press(int button);
     void doublePress();
     void release(int button);

@@ -91,6 +91,7 @@ bool RuledDisplay::isEnabled(const PanelControl& control) const {
     case PanelControl::larger:
         return state.sizeEnabled;
     case PanelControl::record:
+    case PanelControl::heading:
         return false;
     default:
         return true;
@@ -118,8 +119,11 @@ QRectF RuledDisplay::textArea() const {
 void RuledDisplay::key(QKeyEvent& event) {
     const KeyEvent key = keyEventFrom(event);
     const KeyFocus focus{.textEditor = textHasFocus, .sizeField = fieldHasFocus};
-    if (event.key() == Qt::Key_Escape)
+    if (event.key() == Qt::Key_Escape) {
+        if (fieldHasFocus && isFieldPending())
+            return field.setText(shownSize);
         return editor.keys.cancelOperation();
+    }
     if ((key.modifiers & (Modifier::command | Modifier::control)) && editor.keys.keyEquivalent(key, focus))
         return;
     if (textHasFocus)

@@ -197,7 +197,9 @@ TEST_F(CaptureOverlayViewTests, aPanelsButtonPressedInVainLeavesTheKeyboardToThe
     moveTo({10, 10});
     releaseAt({10, 10});
     QTest::keyClick(window.windowHandle(), 'p');
-    EXPECT_EQ(static_cast<AnnotationTextView&>(part("annotationText")).string(), u"p"_s);
+    const auto* text = view.findChild<AnnotationTextView*>(u"annotationText"_s);
+    ASSERT_NE(text, nullptr) << "the letter chose a tool";
+    EXPECT_EQ(text->string(), u"p"_s);
 }
 
 TEST_F(CaptureOverlayViewTests, nothingOfACaptureOutlivesIt) {
