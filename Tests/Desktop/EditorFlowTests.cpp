@@ -326,7 +326,17 @@ TEST_F(EditorFlow, ASecondSelectionIsDrawnBesideTheFirstAndFlipped) {
     ASSERT_TRUE(editor.select(second));
     editor.drag({second.right() + 1, 200}, {20, 200});
     EXPECT_EQ(editor.steps(3), "toolSelected(1,3,0) selectionCreated(0,3,0) selectionResized(0,3,0)");
-    EXPECT_TRUE(editor.copy() == editor.desktop.copy(QRect(20, 40, 40, 300)));
+    // A hint that is shown goes with the capture.
+    editor.selection = QRect(20, 40, 40, 300);
+    const QPoint button = editor.toolButton(Editor::text);
+    const QRect beside(button + QPoint(30, -6), QSize(40, 12));
+    const QImage before = editor.settled(beside);
+    editor.session.input().movePointer(button);
+    EXPECT_TRUE(waitUntil([&] { return editor.session.screenPixels(beside) != before; }));
+    EXPECT_TRUE(editor.copy() == editor.desktop.copy(editor.selection));
+    EXPECT_TRUE(editor.capture());
+    EXPECT_TRUE(editor.closeCapture());
+    EXPECT_EQ(editor.end(), 0);
 }
 
 TEST_F(EditorFlow, ToolsAndCommandsHaveTheirPlaceOnKeyboardsOfOtherScripts) {

@@ -65,14 +65,14 @@ protected:
     QPoint middle(const QWidget& widget) const { return widget.mapTo(&window, widget.rect().center()); }
     QWidget& part(const char* objectName) { return *view.findChild<QWidget*>(QLatin1StringView(objectName)); }
 
+    std::vector<Action> reported;
+    int viewClosed = 0;
     EmptyDefaults defaults;
     EditorPreferences preferences{defaults};
     const Screen screen{.name = u"A"_s, .displayID = 1, .nativeRect = {0, 0, 1000, 800}, .scale = 1};
     CaptureOverlayWindow window{screen, preferences, Qt::FramelessWindowHint};
     CaptureOverlayView& view = window.view();
     const ViewFlip flip{800};
-    std::vector<Action> reported;
-    int viewClosed = 0;
 };
 
 struct GestureCase {
