@@ -2,16 +2,11 @@
 
 #include "VistrelPlatform/KeyCodes.h"
 
-#include <QFile>
-#include <QJsonDocument>
-
 #include <algorithm>
 #include <thread>
 
 namespace {
 
-constexpr KeyCode nineKey = 25;
-constexpr KeyCode probeKey = 12;
 constexpr std::chrono::seconds soon{8};
 /// Longer than the toolkit takes two presses for a double click.
 constexpr std::chrono::milliseconds doubleClickInterval{450};
@@ -78,7 +73,7 @@ std::optional<QString> Exploration::run(const std::vector<Step>& steps) {
         for (const Step& step : steps) {
             ++number;
             if (!rules.isOpen())
-                beginCapture();
+                beginCapture(step);
             perform(step);
             check();
             if (rules.dialog != Rules::Dialog::none) {
@@ -105,12 +100,24 @@ void Exploration::tell(const Step& step) {
                       << rules.journal.mid(std::exchange(toldBefore, rules.journal.size())).join(u' ');
 }
 
-void Exploration::beginCapture() {
+// The keys of the shortcut go up in any order.
+void Exploration::pressShortcut(const Step& step) {
+    XTestInput& input = vistrel.session.input();
+    std::vector<KeyCode> keys = {55, 56, 25};
+    for (const KeyCode key : keys)
+        input.pressKey(key);
+    for (int order = int(step.x * 6); order > 0; --order)
+        std::ranges::next_permutation(keys);
+    for (const KeyCode key : keys)
+        input.releaseKey(key);
+}
+
+void Exploration::beginCapture(const Step& step) {
     letGo();
     expect(waitUntil([this] { return bystander.hasKeyboard(); }, soon),
            QStringLiteral("the keyboard was not given back"));
     rules.begin(vistrel.settled({}, 3));
-    vistrel.pressShortcut();
+    pressShortcut(step);
     checkJournal();
     bystander.keys();
     check();
@@ -134,7 +141,7 @@ void Exploration::perform(const Step& step) {
     case Step::keyUp:
         return keyUp(step.what);
     case Step::requestAgain:
-        return requestAgain();
+        return requestAgain(step);
     case Step::stealFocus:
         return stealFocus();
     case Step::cover:
@@ -170,6 +177,7 @@ void Exploration::doublePress() {
     if (rules.hasGesture())
         return;
     press(1);
+    const auto first = rules.at(rules.pointer).part;
     check();
     if (!rules.isPressed(1) || !rules.isOpen() || rules.dialog != Rules::Dialog::none)
         return;
@@ -177,11 +185,12 @@ void Exploration::doublePress() {
     if (!rules.isOpen() || rules.dialog != Rules::Dialog::none ||
         std::chrono::steady_clock::now() - lastPress > doubleClickInterval / 2)
         return;
-    const Rules::Receiver over = rules.at(rules.pointer);
-    if (over.part != Rules::Receiver::canvas)
+    // What was pressed may be gone, and something else be there that makes a new beginning of it.
+    if (sure(rules.pointer) != rules.pointer)
         return;
+    const bool onCanvas = rules.at(rules.pointer).part == Rules::Receiver::canvas;
     vistrel.session.input().pressButton();
-    rules.press(1, 2);
+    rules.press(1, first == Rules::Receiver::canvas || !onCanvas ? 2 : 1);
     lastPress = std::chrono::steady_clock::now();
 }
 
@@ -229,10 +238,10 @@ void Exploration::letGo() {
         keyUp(key);
 }
 
-void Exploration::requestAgain() {
+void Exploration::requestAgain(const Step& step) {
     if (!heldKeys.isEmpty())
         return;
-    vistrel.pressShortcut();
+    pressShortcut(step);
     rules.requestAgain();
 }
 
@@ -259,29 +268,57 @@ void Exploration::cover(const Step& step) {
     expect(below, QStringLiteral("a window of another program stays above the overlay"));
 }
 
-void Exploration::dismissDialog(const Step& step) {
-    const Rules::Dialog dialog = rules.dialog;
-    const std::size_t index = rules.displayAt(rules.keyDisplay().rect.center());
-    const xcb_window_t overlay = overlayOn(index);
-    std::vector<MappedWindow> above;
+xcb_window_t Exploration::windowOver(xcb_window_t overlay, xcb_window_t other) {
+    constexpr int leastWidth = 60; // Of a menu without a word in it.
+    xcb_window_t found = XCB_NONE;
     expect(waitUntil(
                [&] {
-                   above = windowsAbove(overlay);
-                   return std::ranges::any_of(above, [](const auto& w) { return w.rect.width() > 60; });
+                   for (const MappedWindow& window : windowsAbove(overlay))
+                       if (window.rect.width() > leastWidth && window.id != other)
+                           found = window.id;
+                   return found != XCB_NONE;
                },
                soon),
            QStringLiteral("no dialog opened"));
-    const xcb_window_t window =
-        std::ranges::find_if(above, [](const auto& w) { return w.rect.width() > 60; })->id;
-    letGo();
-    static_cast<void>(step);
-    const auto gone = [&] {
-        return std::ranges::none_of(vistrel.session.client().mappedWindows(),
-                                    [&](const auto& w) { return w.id == window; });
-    };
-    waitUntil([&] { return vistrel.session.client().focusedWindow() == window; }, std::chrono::seconds(1));
+    waitUntil([&] { return vistrel.session.client().focusedWindow() == found; }, std::chrono::seconds(1));
+    return found;
+}
+
+void Exploration::escape(xcb_window_t window) {
     vistrel.session.input().key(Key::escape);
-    expect(waitUntil(gone, soon), QStringLiteral("Escape does not close the dialog"));
+    expect(waitUntil(
+               [&] {
+                   return std::ranges::none_of(vistrel.session.client().mappedWindows(),
+                                               [&](const auto& mapped) { return mapped.id == window; });
+               },
+               soon),
+           QStringLiteral("Escape does not close the dialog"));
+}
+
+void Exploration::dismissDialog(const Step& step) {
+    const Rules::Dialog dialog = rules.dialog;
+    const xcb_window_t overlay = overlayOn(rules.displayAt(rules.keyDisplay().rect.center()));
+    const xcb_window_t window = windowOver(overlay);
+    letGo();
+    if (dialog == Rules::Dialog::save && step.y < 0.6) {
+        const bool replaces = step.y < 0.3 && !lastSaved.isEmpty();
+        const QString path =
+            replaces ? lastSaved
+                     : vistrel.session.folder(QString::number(told.size())) + QStringLiteral(".png");
+        vistrel.command('a');
+        vistrel.type(path);
+        vistrel.key(Key::returnKey);
+        if (!replaces) {
+            lastSaved = path;
+            rules.dialogEnded(QStringLiteral("saveSucceeded"));
+            checkJournal();
+            return expect(QImage(path).convertToFormat(QImage::Format_RGB32) ==
+                              rules.saved.convertToFormat(QImage::Format_RGB32),
+                          QStringLiteral("the file has another picture"));
+        }
+        escape(windowOver(overlay, window));
+    }
+    escape(window);
     rules.dialogEnded(dialog == Rules::Dialog::save ? QStringLiteral("saveCancelled")
                                                     : QStringLiteral("shareCancelled"));
     if (dialog == Rules::Dialog::color)

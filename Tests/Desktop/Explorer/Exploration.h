@@ -41,7 +41,8 @@ private:
     }
 
     // Steps.
-    void beginCapture();
+    void pressShortcut(const Step& step);
+    void beginCapture(const Step& step);
     void perform(const Step& step);
     void move(const Step& step);
     void movePointer(QPoint to);
@@ -51,9 +52,11 @@ private:
     void keyDown(int key);
     void keyUp(int key);
     void letGo();
-    void requestAgain();
+    void requestAgain(const Step& step);
     void stealFocus();
     void cover(const Step& step);
+    xcb_window_t windowOver(xcb_window_t overlay, xcb_window_t other = XCB_NONE);
+    void escape(xcb_window_t window);
     void dismissDialog(const Step& step);
     void leave();
     void end();
@@ -87,5 +90,6 @@ private:
     std::chrono::steady_clock::time_point lastPress;
     QPoint lastPressAt;
     std::optional<QPoint> hintAt;
+    QString lastSaved;
     qsizetype toldBefore = 0;
 };

@@ -4,6 +4,7 @@
 #include "Overlay/OverlayHitTest.h"
 
 #include <algorithm>
+#include <numeric>
 
 // Where a step goes, given what the rules say is on the screen now.
 
@@ -37,7 +38,12 @@ QPoint Exploration::resolve(const Step& step) const {
     const QPoint last(on.rect.right(), on.rect.bottom());
     const QPoint held(std::clamp(place.x(), on.rect.left(), last.x()),
                       std::clamp(place.y(), on.rect.top(), last.y()));
-    const int grid = on.scale == 1.25 ? 5 : on.scale == 1.5 ? 3 : on.scale == 2 ? 2 : 1;
+    // Only whole points reach the program from every display.
+    int grid = 1;
+    for (std::size_t one = 0; one < rules.displayCount(); ++one) {
+        const double scale = all.display(one).scale;
+        grid = std::lcm(grid, scale == 1.25 ? 5 : scale == 1.5 ? 3 : scale == 2 ? 2 : 1);
+    }
     const QPoint coarse(held.x() / grid * grid, std::max(held.y() / grid * grid, grid));
     return rules.hasGesture() ? coarse : sure(coarse);
 }
