@@ -56,8 +56,12 @@ std::optional<QPoint> Exploration::placeOn(const RuledDisplay& on, const Step& s
     const auto& layers = document.state.annotations;
     switch (Step::Place(step.what)) {
     case Step::inside:
+        if (!document.hasSelection())
+            break;
         return on.toRoot(within(selection, step.x, step.y));
     case Step::outside: {
+        if (!document.hasSelection())
+            break;
         const bool left = step.x < 0.5 && selection.left() > 20;
         return on.toRoot(
             QPointF(left ? step.x * 2 * selection.left()
