@@ -58,6 +58,13 @@ Rect CaptureGeometry::rectBetween(Point from, Point to, const Rect& bounds) {
     return {std::min(a.x, b.x), std::min(a.y, b.y), std::abs(a.x - b.x), std::abs(a.y - b.y)};
 }
 
+bool CaptureGeometry::holdsPixel(const Rect& rect, Point pointer) {
+    // What was computed may miss the edge it means by a rounding error.
+    constexpr double slack = 1e-6;
+    return pointer.x >= rect.minX() - slack && pointer.x < rect.maxX() - slack &&
+           pointer.y > rect.minY() + slack && pointer.y <= rect.maxY() + slack;
+}
+
 Point CaptureGeometry::clamped(Point point, const Rect& to) {
     return {std::min(std::max(point.x, to.minX()), to.maxX()),
             std::min(std::max(point.y, to.minY()), to.maxY())};

@@ -16,6 +16,11 @@ Rect labelRect(const Rect& selection, Size labelSize, const Rect& bounds);
 /// The rectangle spanned by two drag points, each clamped into `bounds` first.
 Rect rectBetween(Point from, Point to, const Rect& bounds);
 
+/// Whether a rectangle of the view holds the pixel under the pointer. The pointer means the top-left corner
+/// of the pixel it is over, so the left and the top edge belong to a rectangle, the right and the bottom
+/// edge do not; an empty rectangle holds nothing. Every test of the pointer against a rectangle is this one.
+bool holdsPixel(const Rect& rect, Point pointer);
+
 /// The point moved into the rectangle, edges included; the upper edge wins in an empty rectangle.
 Point clamped(Point point, const Rect& to);
 

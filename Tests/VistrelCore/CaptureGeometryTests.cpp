@@ -67,11 +67,33 @@ TEST(CaptureGeometry, pointsAndWhatTheySpanLieWithinTheBounds) {
     EXPECT_EQ(CaptureGeometry::clamped({500, -5}, {7, 8, 0, 0}), (Point{7, 8}));
 }
 
+// Whatever the scale: a rectangle made of pixels holds those and no others.
+TEST(CaptureGeometry, aRectangleHoldsItsPixels) {
+    for (const double scale : {1.0, 1.1, 1.25, 1.5, 1.75, 2.0}) {
+        const double height = 769 / scale;
+        const auto corner = [&](int x, int y) { return Point{x / scale, height - y / scale}; };
+        const Rect all = {0, 0, 1366 / scale, height};
+        for (int left = 0; left < 200; left += 7) {
+            SCOPED_TRACE(testing::Message() << scale << ' ' << left);
+            const int top = left + 3;
+            const Rect rect =
+                CaptureGeometry::rectBetween(corner(left + 211, top), corner(left, top + 97), all);
+            const Rect moved = rect.offsetBy({1 / scale, -1 / scale}).offsetBy({-1 / scale, 1 / scale});
+            for (const Rect& r : {rect, moved}) {
+                EXPECT_TRUE(CaptureGeometry::holdsPixel(r, corner(left, top)));
+                EXPECT_TRUE(CaptureGeometry::holdsPixel(r, corner(left + 210, top + 96)));
+                EXPECT_FALSE(CaptureGeometry::holdsPixel(r, corner(left - 1, top)));
+                EXPECT_FALSE(CaptureGeometry::holdsPixel(r, corner(left, top - 1)));
+                EXPECT_FALSE(CaptureGeometry::holdsPixel(r, corner(left + 211, top)));
+                EXPECT_FALSE(CaptureGeometry::holdsPixel(r, corner(left, top + 97)));
+            }
+        }
+    }
+    EXPECT_FALSE(CaptureGeometry::holdsPixel({0, 0, 0, 10}, {0, 5}));
+}
+
 TEST(Geometry, rectanglesFollowTheirEdgeRules) {
     const Rect rect = {0, 0, 10, 10};
-    EXPECT_TRUE(rect.contains(Point{0, 0}));
-    EXPECT_FALSE(rect.contains(Point{10, 5}));
-    EXPECT_FALSE((Rect{0, 0, 0, 10}).contains(Point{0, 5}));
     EXPECT_TRUE(rect.contains(rect));
     EXPECT_FALSE(rect.contains(Rect{1, 1, 10, 1}));
     EXPECT_FALSE(rect.intersects(Rect{10, 0, 5, 5}));

@@ -213,7 +213,7 @@ void OverlayPresenter::resume(CaptureOverlayWindow& window) {
     setLevel(OverlayLevel::aboveEverything);
     services.overlayWindows.takeFocus(window);
     window.view().setFocus();
-    window.view().refreshCanvasCursor();
+    window.view().pointerFound(services.screens.pointerPosition() - window.screen().nativeRect.topLeft());
 }
 
 void OverlayPresenter::beginDialog(CaptureOverlayWindow& window) {

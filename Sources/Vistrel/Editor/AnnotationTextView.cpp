@@ -2,6 +2,7 @@
 
 #include "Editor/AnnotationTextDocumentLayout.h"
 #include "Editor/EditorColors.h"
+#include "Editor/ExactPosition.h"
 
 #include <QGuiApplication>
 #include <QKeyEvent>
@@ -175,6 +176,26 @@ void AnnotationTextView::inputMethodEvent(QInputMethodEvent* event) {
     QTextEdit::inputMethodEvent(event);
     restartCaret();
     fit(); // What is being composed takes room too.
+}
+
+bool AnnotationTextView::viewportEvent(QEvent* event) {
+    switch (event->type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseMove:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseButtonDblClick: {
+        const auto& seen = static_cast<const QMouseEvent&>(*event);
+        QMouseEvent exact(seen.type(), ExactPosition::of(seen, *viewport()), seen.scenePosition(),
+                          seen.globalPosition(), seen.button(), seen.buttons(), seen.modifiers(),
+                          seen.source(), seen.pointingDevice());
+        exact.setTimestamp(seen.timestamp());
+        const bool handled = QTextEdit::viewportEvent(&exact);
+        event->setAccepted(exact.isAccepted());
+        return handled;
+    }
+    default:
+        return QTextEdit::viewportEvent(event);
+    }
 }
 
 void AnnotationTextView::mousePressEvent(QMouseEvent* event) {

@@ -1,6 +1,7 @@
 #include "Overlay/CanvasCursor.h"
 
 #include "Overlay/OverlayHitTest.h"
+#include "VistrelCore/CaptureGeometry.h"
 
 namespace {
 
@@ -45,7 +46,7 @@ CanvasCursor CanvasCursor::at(Point p, const OverlayDocument& document, bool ove
     }
     if (const auto handle = OverlayHitTest::resizeHandle(document, p))
         return resizing(*handle);
-    if (!document.selection.contains(p))
+    if (!CaptureGeometry::holdsPixel(document.selection, p))
         return {};
     return selecting ? CanvasCursor{.shape = Shape::openHand} : drawing(document);
 }

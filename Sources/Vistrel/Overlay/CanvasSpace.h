@@ -17,6 +17,13 @@ struct CanvasSpace {
     /// A length in whole pixels, at least one.
     int length(double points) const { return std::max(1, static_cast<int>(std::lround(points * scale()))); }
 
+    /// What a pointer here means: the top-left corner of the pixel it is over.
+    Point pointer(QPointF widgetPoint) const {
+        // Points came from pixels, with a rounding error.
+        constexpr double slack = 1e-6;
+        const auto corner = [this](double points) { return std::floor(points * scale() + slack) / scale(); };
+        return {corner(widgetPoint.x()), viewSize.height - corner(widgetPoint.y())};
+    }
     QPointF toPixels(Point p) const {
         return {p.x * pixels.width() / viewSize.width,
                 (viewSize.height - p.y) * pixels.height() / viewSize.height};

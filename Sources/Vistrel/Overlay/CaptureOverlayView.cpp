@@ -1,6 +1,7 @@
 #include "Overlay/CaptureOverlayView.h"
 
 #include "Annotations/ViewFlip.h"
+#include "Editor/ExactPosition.h"
 #include "Overlay/CanvasCursor.h"
 #include "Overlay/CanvasPainter.h"
 #include "Overlay/CanvasTextEditor.h"
@@ -22,7 +23,8 @@ struct CanvasState {
     BadgeText badgeText;
     DecorationLayout layout;
     std::optional<CanvasCursor> cursor;
-    /// Where the last event saw the pointer, in widget points; asking the window system takes a round trip.
+    /// Where the last event saw the pointer, in widget points with their fraction; asking the window system
+    /// takes a round trip.
     std::optional<QPointF> pointer;
     /// When the canvas itself was last pressed, in the window system's milliseconds.
     std::optional<quint64> pressedAt;
@@ -173,10 +175,7 @@ std::optional<QImage> CaptureOverlayView::outputImage() {
 void CaptureOverlayView::updateGeometry() {
     updatePanels();
     repaintChanges();
-    if (canvas->pointer)
-        refreshCanvasCursor(*canvas->pointer);
-    else
-        refreshCanvasCursor();
+    refreshCanvasCursor();
 }
 
 void CaptureOverlayView::updatePanels() {
@@ -253,8 +252,9 @@ void CaptureOverlayView::paintEvent(QPaintEvent* event) {
         drawn();
 }
 
-Point CaptureOverlayView::viewPoint(QPointF position) const {
-    return canvas->flip().toView(position);
+Point CaptureOverlayView::pointerMoved(QPointF position) {
+    canvas->pointer = position;
+    return canvas->space.pointer(position);
 }
 
 void CaptureOverlayView::press(QMouseEvent* event, int clickCount) {
@@ -264,13 +264,13 @@ void CaptureOverlayView::press(QMouseEvent* event, int clickCount) {
     }
     if (!isActiveWindow())
         window()->activateWindow();
-    canvas->pointer = event->position();
+    const Point p = pointerMoved(ExactPosition::of(*event, *this));
     // The first click of a double click may have been a button's that has since gone.
     const auto before = std::exchange(canvas->pressedAt, event->timestamp());
     const auto interval = static_cast<quint64>(QGuiApplication::styleHints()->mouseDoubleClickInterval());
     if (!before || event->timestamp() - *before > interval)
         clickCount = 1;
-    editor->gestures.press({.location = viewPoint(event->position()), .clickCount = clickCount});
+    editor->gestures.press({.location = p, .clickCount = clickCount});
 }
 
 void CaptureOverlayView::mousePressEvent(QMouseEvent* event) {
@@ -282,24 +282,24 @@ void CaptureOverlayView::mouseDoubleClickEvent(QMouseEvent* event) {
 }
 
 void CaptureOverlayView::mouseMoveEvent(QMouseEvent* event) {
-    canvas->pointer = event->position();
+    const Point p = pointerMoved(ExactPosition::of(*event, *this));
     if (event->buttons() & Qt::LeftButton)
-        editor->gestures.drag(viewPoint(event->position()));
+        editor->gestures.drag(p);
     else if (editor->session.document.drag)
-        editor->gestures.release(viewPoint(event->position())); // Its release went elsewhere.
-    refreshCanvasCursor(event->position());
+        editor->gestures.release(p); // Its release went elsewhere.
+    refreshCanvasCursor();
 }
 
 void CaptureOverlayView::mouseReleaseEvent(QMouseEvent* event) {
-    canvas->pointer = event->position();
+    const Point p = pointerMoved(ExactPosition::of(*event, *this));
     if (event->button() == Qt::LeftButton)
-        editor->gestures.release(viewPoint(event->position()));
-    refreshCanvasCursor(event->position());
+        editor->gestures.release(p);
+    refreshCanvasCursor();
 }
 
 void CaptureOverlayView::enterEvent(QEnterEvent* event) {
-    canvas->pointer = event->position();
-    refreshCanvasCursor(event->position());
+    pointerMoved(ExactPosition::of(*event, *this));
+    refreshCanvasCursor();
 }
 
 void CaptureOverlayView::resizeEvent(QResizeEvent* event) {
@@ -323,20 +323,24 @@ KeyFocus CaptureOverlayView::keyFocus() const {
             .sizeField = canvas->panels && canvas->panels->sizeFieldHasFocus()};
 }
 
-void CaptureOverlayView::refreshCanvasCursor() {
-    canvas->pointer = mapFromGlobal(QPointF(QCursor::pos()));
-    refreshCanvasCursor(*canvas->pointer);
+void CaptureOverlayView::pointerFound(QPoint pixel) {
+    pointerMoved(QPointF(pixel) / canvas->space.scale());
+    refreshCanvasCursor();
 }
 
-void CaptureOverlayView::refreshCanvasCursor(QPointF position) {
-    if (!hasImage() || !isVisible())
+void CaptureOverlayView::refreshCanvasCursor() {
+    if (!hasImage() || !isVisible() || !canvas->pointer)
         return;
+    const QPointF position = *canvas->pointer;
     // While a gesture runs, the pointer may be anywhere and still belongs to it.
     const bool isGesture = editor->session.document.drag.has_value();
     if (!isGesture && !QRectF(rect()).contains(position))
         return;
-    const CanvasCursor next = CanvasCursor::at(viewPoint(position), editor->session.document,
-                                               canvas->panels && canvas->panels->isOver(position));
+    // Panels are painted to the nearest pixel.
+    const double halfPixel = 0.5 / canvas->space.scale();
+    const bool overPanel = canvas->panels && canvas->panels->isOver(position + QPointF(halfPixel, halfPixel));
+    const CanvasCursor next =
+        CanvasCursor::at(canvas->space.pointer(position), editor->session.document, overPanel);
     if (canvas->cursor != next)
         showCursor(next);
 }

@@ -46,8 +46,8 @@ public:
     std::optional<QImage> outputImage();
     /// Finds the fonts of the badge before a capture needs them.
     void prepareText();
-    /// The pointer for where it is now.
-    void refreshCanvasCursor();
+    /// The pointer was asked for, not seen by an event; device pixels of this display, y down.
+    void pointerFound(QPoint pixel);
     /// Offers the keys that work whichever control has the keyboard. True when one was meant.
     bool performKeyEquivalent(QKeyEvent& event);
 
@@ -79,13 +79,13 @@ protected:
 private:
     OverlayHooks makeHooks();
     void press(QMouseEvent* event, int clickCount);
-    Point viewPoint(QPointF position) const;
+    Point pointerMoved(QPointF position);
     KeyFocus keyFocus() const;
     void share(QWidget& button);
     void updatePanels();
     void repaintChanges();
     void describe(const DecorationLayout& next);
-    void refreshCanvasCursor(QPointF position);
+    void refreshCanvasCursor();
     void showCursor(const CanvasCursor& cursor);
 
     EditorPreferences& preferences;

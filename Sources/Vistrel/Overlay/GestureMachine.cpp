@@ -21,7 +21,7 @@ void GestureMachine::press(const PointerEvent& event) {
         return;
     session.completeGesture();
     const Point p = CaptureGeometry::clamped(event.location, document.bounds());
-    const bool isOutside = !document.selection.contains(p);
+    const bool isOutside = !CaptureGeometry::holdsPixel(document.selection, p);
     const bool wasClickOutside = std::exchange(clickedOutside, isOutside);
     if (event.clickCount == 2 && wasClickOutside && isOutside && session.hooks.doubleClickOutsideToCancel()) {
         cancelFromOutside();
@@ -44,7 +44,7 @@ void GestureMachine::cancelFromOutside() {
 
 void GestureMachine::begin(Point p, int clickCount) {
     OverlayDocument& document = session.document;
-    const bool inside = document.selection.contains(p);
+    const bool inside = CaptureGeometry::holdsPixel(document.selection, p);
     switch (document.tool) {
     case AnnotationTool::select:
         if (beginOnLayer(p, clickCount) || beginOnSelection(p))
@@ -83,7 +83,7 @@ bool GestureMachine::beginOnLayer(Point p, int clickCount) {
             return true;
         }
     }
-    if (!document.selection.contains(p))
+    if (!CaptureGeometry::holdsPixel(document.selection, p))
         return false;
     const EditorAnnotation* layer = OverlayHitTest::layerAt(document, p);
     if (!layer)
@@ -101,7 +101,7 @@ bool GestureMachine::beginOnSelection(Point p) {
     const auto handle = OverlayHitTest::resizeHandle(document, p);
     if (handle)
         document.drag = ResizeSelection{.handle = *handle, .original = document.selection};
-    else if (document.selection.contains(p))
+    else if (CaptureGeometry::holdsPixel(document.selection, p))
         document.drag = MoveSelection{.start = p, .original = document.selection};
     else
         return false;

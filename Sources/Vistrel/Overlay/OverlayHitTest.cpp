@@ -1,5 +1,7 @@
 #include "Overlay/OverlayHitTest.h"
 
+#include "VistrelCore/CaptureGeometry.h"
+
 #include <span>
 
 namespace {
@@ -137,10 +139,10 @@ bool OverlayHitTest::hits(const EditorAnnotation& layer, Point p) {
     if (layer.points.empty())
         return false;
     if (layer.tool == AnnotationTool::pixelate || layer.tool == AnnotationTool::text)
-        return layer.geometryBounds().insetBy(-areaReach).contains(p);
+        return CaptureGeometry::holdsPixel(layer.geometryBounds().insetBy(-areaReach), p);
     const double reach = std::max(layer.width, narrowestLine) / 2;
     const Rect area = layer.paintedBounds().insetBy(-reach);
-    if (!area.contains(p))
+    if (!CaptureGeometry::holdsPixel(area, p))
         return false;
     const bool isDot = layer.geometryBounds().size() == Size{};
     if (isDot || AnnotationTools::isFreehand(layer.tool))

@@ -7,7 +7,8 @@ namespace {
 using Tool = AnnotationTool;
 
 const std::tuple<const char*, Tool, double, std::vector<Point>, Point, bool> hitCases[] = {
-    {"textGrownBy4", Tool::text, 24, {{100, 100}, {160, 130}}, {96, 96}, true},
+    {"textGrownBy4", Tool::text, 24, {{100, 100}, {160, 130}}, {96, 134}, true},
+    {"textBelow4", Tool::text, 24, {{100, 100}, {160, 130}}, {110, 96}, false},
     {"textBeyond4", Tool::text, 24, {{100, 100}, {160, 130}}, {95.9, 110}, false},
     {"rectangleOnOutline", Tool::rectangle, 3, {{100, 100}, {200, 200}}, {105, 150}, true},
     {"rectangleInsideIsNoHit", Tool::rectangle, 3, {{100, 100}, {200, 200}}, {106, 150}, false},
