@@ -18,6 +18,17 @@ constexpr double shortestSizeStrip = 20;
 constexpr double layersWidth = 156;
 constexpr double actionHeight = 44;
 
+/// Points at a scale such as 1.25 carry rounding errors, which must not decide where a panel goes.
+constexpr double tolerance = 1e-6;
+
+bool fits(double size, double room) {
+    return size <= room + tolerance;
+}
+
+bool overlaps(const Rect& a, const Rect& b) {
+    return a.insetBy(tolerance).intersects(b);
+}
+
 /// The upper bound wins where the two contradict each other.
 double bounded(double value, double low, double high) {
     return std::min(high, std::max(value, low));
@@ -56,12 +67,14 @@ public:
     }
 
 private:
+    bool isUsable(const Rect& panel) const { return usable.insetBy(-tolerance).contains(panel); }
+
     void placeTools() {
         double x = usable.maxX() - tools.width;
-        if (tools.width + gap <= usable.maxX() - selection.maxX()) {
+        if (fits(tools.width + gap, usable.maxX() - selection.maxX())) {
             layout.side = EditorLayout::Side::right;
             x = selection.maxX() + gap;
-        } else if (tools.width + gap <= selection.minX() - usable.minX()) {
+        } else if (fits(tools.width + gap, selection.minX() - usable.minX())) {
             layout.side = EditorLayout::Side::left;
             x = selection.minX() - gap - tools.width;
         } else {
@@ -77,8 +90,9 @@ private:
         for (const double y : {selection.minY() - gap - actions.height, selection.maxY() + gap,
                                usable.maxY() - actions.height}) {
             const Rect bar = {actionsX, y, actions.width, actions.height};
-            const bool clear = bar.maxY() <= selection.minY() - gap || bar.minY() >= selection.maxY() + gap;
-            if (!usable.contains(bar) || !clear)
+            const bool clear =
+                fits(bar.maxY(), selection.minY() - gap) || fits(selection.maxY() + gap, bar.minY());
+            if (!isUsable(bar) || !clear)
                 continue;
             if (const auto moved = toolsBeside(bar)) {
                 layout.actions = bar;
@@ -91,7 +105,7 @@ private:
 
     std::optional<Rect> toolsBeside(const Rect& bar) const {
         const Rect& first = layout.tools;
-        if (!first.intersects(bar))
+        if (!overlaps(first, bar))
             return first;
         std::vector<Point> origins = {{first.x, bar.maxY() + gap},
                                       {first.x, bar.minY() - gap - tools.height}};
@@ -101,7 +115,7 @@ private:
         }
         for (const Point origin : origins) {
             const Rect moved = {origin.x, origin.y, tools.width, tools.height};
-            if (usable.contains(moved) && !moved.intersects(bar))
+            if (isUsable(moved) && !overlaps(moved, bar))
                 return moved;
         }
         return std::nullopt;
@@ -116,7 +130,7 @@ private:
         const std::array bars = {barAt(usable.minY()), barAt(layout.tools.minY() - gap - actions.height),
                                  barAt(layout.tools.maxY() + gap)};
         const auto free = std::find_if(bars.begin(), bars.end(),
-                                       [&](const Rect& bar) { return !bar.intersects(layout.tools); });
+                                       [&](const Rect& bar) { return !overlaps(bar, layout.tools); });
         layout.actions = free == bars.end() ? bars.front() : *free;
     }
 
@@ -144,8 +158,8 @@ private:
                                           {right, level},
                                           {right, usable.minY()}}) {
             layout.layers = {origin.x, origin.y, layers.width, layers.height};
-            if (usable.contains(layout.layers) && !layout.layers.intersects(layout.tools) &&
-                !layout.layers.intersects(layout.actions))
+            if (isUsable(layout.layers) && !overlaps(layout.layers, layout.tools) &&
+                !overlaps(layout.layers, layout.actions))
                 return;
         }
         layout.layers = {usable.minX(), top, layers.width, layers.height};

@@ -87,6 +87,23 @@ TEST(EditorLayout, theScaleFitsTheDisplay) {
     }
 }
 
+// A selection that moves pixel by pixel takes the bar along: it does not jump to another side in between,
+// not even where panels and display are equally high.
+TEST(EditorLayout, theBarFollowsASelectionAtEveryScale) {
+    for (const double scale : {1.0, 1.1, 1.25, 1.5, 1.75, 2.0})
+        for (const double panelScale : {0.8, 1.2}) {
+            const Rect bounds = {0, 0, 1920 / scale, 768 / scale};
+            for (int top = 31; top < 400; ++top) {
+                const double y = bounds.height - (top + 203) / scale;
+                const Rect selection = {200 / scale, y, 301 / scale, bounds.height - top / scale - y};
+                const EditorLayout layout({selection, bounds, 58, 196, panelScale});
+                if (y - 10 - layout.actions.height > 8)
+                    EXPECT_NEAR(layout.actions.maxY(), y - 10, 1e-9)
+                        << scale << ' ' << panelScale << ' ' << top;
+            }
+        }
+}
+
 // Whatever the input, panels never cover each other nor leave the display while there is room for them.
 TEST(EditorLayout, anySelectionOnAnOrdinaryDisplayKeepsPanelsApart) {
     std::mt19937 random(7);

@@ -15,7 +15,8 @@ int pixels(double length) {
 } // namespace
 
 PixelSize capturePixelSize(Size point, double displayScale, bool downscaleRetina) {
-    const double divisor = downscaleRetina && displayScale > 1.0 ? 2.0 : 1.0;
+    constexpr double leastHalved = 2;
+    const double divisor = downscaleRetina && displayScale >= leastHalved ? 2.0 : 1.0;
     const double scale = displayScale / divisor;
     return {pixels(point.width * scale), pixels(point.height * scale)};
 }

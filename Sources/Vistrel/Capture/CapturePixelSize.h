@@ -4,5 +4,5 @@
 #include "VistrelPlatform/ScreenCapturer.h"
 
 /// The pixels to capture for a display of `point` size: its own, or half as dense when reduction is on
-/// and the display has more than one pixel per point. Halves round away from zero; at least 1 × 1.
+/// and that leaves at least one pixel per point. Halves round away from zero; at least 1 × 1.
 PixelSize capturePixelSize(Size point, double displayScale, bool downscaleRetina);

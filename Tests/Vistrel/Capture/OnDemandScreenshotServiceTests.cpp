@@ -85,8 +85,10 @@ TEST(CapturePixelSize, FollowsScaleAndReduction) {
     EXPECT_EQ(capturePixelSize({0.2, 0.2}, 1, false), (PixelSize{1, 1}));
     EXPECT_EQ(capturePixelSize({1512, 982}, 3, true), (PixelSize{2268, 1473}));
     EXPECT_EQ(capturePixelSize({1366 / 1.5, 768 / 1.5}, 1.5, false), (PixelSize{1366, 768}));
-    EXPECT_EQ(capturePixelSize({1365 / 1.5, 768 / 1.5}, 1.5, true), (PixelSize{683, 384}))
-        << "halves round up";
+    for (const double scale : {1.25, 1.5, 1.75})
+        EXPECT_EQ(capturePixelSize({1366 / scale, 768 / scale}, scale, true), (PixelSize{1366, 768}))
+            << scale;
+    EXPECT_EQ(capturePixelSize({1365 / 2.0, 768 / 2.0}, 2, true), (PixelSize{683, 384})) << "halves round up";
 }
 
 TEST_F(OnDemandScreenshotServiceTests, PreparesOnceAndThenCapturesFromTheCache) {
