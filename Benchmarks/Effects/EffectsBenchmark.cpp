@@ -63,7 +63,7 @@ void pixelate(benchmark::State& state) {
     const QImage& image = picture(state);
     for (auto _ : state)
         benchmark::DoNotOptimize(EffectFilters::pixelate({image, {}, image.size()}, image.rect(),
-                                                         EffectFilters::Blocks::ofEdge(12)));
+                                                         EffectFilters::Blocks::ofEdge(12, image.height())));
     countPixels(state);
 }
 

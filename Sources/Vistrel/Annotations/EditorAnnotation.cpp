@@ -59,6 +59,10 @@ Rect EditorAnnotation::paintedBounds() const {
     return geometryBounds().insetBy(-reach - edge);
 }
 
+bool EditorAnnotation::isDot() const {
+    return tool != AnnotationTool::arrow && !points.empty() && geometryBounds().size() == Size{};
+}
+
 QPainterPath EditorAnnotation::path() const {
     QPainterPath path;
     if (points.empty())

@@ -33,6 +33,8 @@ struct EditorAnnotation {
     Rect bounds() const;
     /// Everything the layer may paint on, with arrow barbs and letters that hang over. For repaints.
     Rect paintedBounds() const;
+    /// Nothing but a place, which a path leaves out. (An arrow's barbs have a length of their own.)
+    bool isDot() const;
     /// The line to stroke and to hit-test, arrow heads included.
     QPainterPath path() const;
     EditorAnnotation movedBy(Point offset) const;

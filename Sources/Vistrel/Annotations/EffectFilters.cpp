@@ -83,33 +83,44 @@ QImage EffectFilters::blur(const Source& source, const QRect& area) {
     return result;
 }
 
-EffectFilters::Blocks EffectFilters::Blocks::ofEdge(double pixels) {
+EffectFilters::Blocks EffectFilters::Blocks::ofEdge(double pixels, int pictureHeight) {
     constexpr double rounding = 1e-6;
     if (!(pixels > 1))
-        return {1};
+        return {1, pictureHeight};
     const double whole = std::round(pixels);
-    return {std::abs(pixels - whole) < rounding ? whole : pixels};
+    return {std::abs(pixels - whole) < rounding ? whole : pixels, pictureHeight};
 }
 
-int EffectFilters::Blocks::start(int index) const {
-    return static_cast<int>(std::lround(index * edge));
+int EffectFilters::Blocks::left(int column) const {
+    return static_cast<int>(std::lround(column * edge));
 }
 
-int EffectFilters::Blocks::indexAt(int pixel) const {
-    int index = static_cast<int>(std::floor(pixel / edge));
-    while (start(index) > pixel)
-        --index;
-    while (start(index + 1) <= pixel)
-        ++index;
-    return index;
+int EffectFilters::Blocks::columnAt(int x) const {
+    int column = static_cast<int>(std::floor(x / edge));
+    while (left(column) > x)
+        --column;
+    while (left(column + 1) <= x)
+        ++column;
+    return column;
+}
+
+int EffectFilters::Blocks::rows() const {
+    return static_cast<int>(std::ceil(pictureHeight / edge));
+}
+
+// Rows are columns seen from the bottom edge.
+int EffectFilters::Blocks::top(int row) const {
+    return pictureHeight - left(rows() - row);
+}
+
+int EffectFilters::Blocks::rowAt(int y) const {
+    return rows() - 1 - columnAt(pictureHeight - 1 - y);
 }
 
 QRect EffectFilters::Blocks::whole(const QRect& area) const {
-    const int left = start(indexAt(area.left()));
-    const int top = start(indexAt(area.top()));
-    const int right = start(indexAt(area.right()) + 1);
-    const int bottom = start(indexAt(area.bottom()) + 1);
-    return {left, top, right - left, bottom - top};
+    const QPoint first(left(columnAt(area.left())), top(rowAt(area.top())));
+    const QPoint end(left(columnAt(area.right()) + 1), top(rowAt(area.bottom()) + 1));
+    return {first, end - QPoint(1, 1)};
 }
 
 QImage EffectFilters::pixelate(const Source& source, const QRect& area, Blocks blocks) {
@@ -118,11 +129,11 @@ QImage EffectFilters::pixelate(const Source& source, const QRect& area, Blocks b
     const int right = area.left() + area.width();
     const int bottom = area.top() + area.height();
     for (int top = area.top(); top < bottom;) {
-        const int nextTop = std::min(blocks.start(blocks.indexAt(top) + 1), bottom);
+        const int nextTop = std::min(blocks.top(blocks.rowAt(top) + 1), bottom);
         sumRows(source, area, top, nextTop, sums);
         auto* line = reinterpret_cast<QRgb*>(result.scanLine(top - area.top()));
         for (int left = area.left(); left < right;) {
-            const int next = std::min(blocks.start(blocks.indexAt(left) + 1), right);
+            const int next = std::min(blocks.left(blocks.columnAt(left) + 1), right);
             const auto offset = left - area.left();
             std::fill_n(line + offset, next - left,
                         meanColor(sums.data() + std::ptrdiff_t{4} * offset, next - left, nextTop - top));

@@ -30,19 +30,27 @@ QImage blur(const Source& source, const QRect& area);
 /// The same on one thread.
 QImage blurOnOneThread(const Source& source, const QRect& area);
 
-/// Squares in rows and columns from the picture's top left corner. Where `edge` is no whole number the
-/// squares' borders lie on the nearest pixel borders.
+/// Squares in columns from the picture's left edge and in rows from its bottom edge, where the view has
+/// its origin: the topmost row may be cut. Where `edge` is no whole number the squares' borders lie on the
+/// nearest pixel borders.
 struct Blocks {
     double edge = 1;
+    int pictureHeight = 0;
 
     /// Blocks of this many pixels; less than one, and what misses a whole number by rounding, is mended.
-    static Blocks ofEdge(double pixels);
-    int start(int index) const;
-    int indexAt(int pixel) const;
+    static Blocks ofEdge(double pixels, int pictureHeight);
+    int left(int column) const;
+    int columnAt(int x) const;
+    /// Rows count downwards; row 0 is the topmost that the picture shows. The top may lie above the picture.
+    int top(int row) const;
+    int rowAt(int y) const;
     /// The area grown until it holds whole blocks.
     QRect whole(const QRect& area) const;
 
     friend bool operator==(const Blocks&, const Blocks&) = default;
+
+private:
+    int rows() const;
 };
 
 /// Every block of `area` (which holds whole blocks, or ends with the picture) in its mean colour.

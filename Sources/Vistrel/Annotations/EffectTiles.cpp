@@ -10,8 +10,8 @@ constexpr double strokeEdge = 2;
 
 EffectFilters::Blocks blocksOf(const EditorAnnotation& effect, const ImageSpace& space) {
     if (effect.tool == AnnotationTool::blur)
-        return {1};
-    return EffectFilters::Blocks::ofEdge(space.pixelsPerPointX() * effect.width);
+        return {};
+    return EffectFilters::Blocks::ofEdge(space.pixelsPerPointX() * effect.width, space.size().height());
 }
 
 } // namespace
@@ -28,15 +28,15 @@ bool EffectTiles::isFor(const EditorAnnotation& effect) const {
 }
 
 QRect EffectTiles::area(Index tile) const {
-    const int left = blocks.start(tile.first * blocksPerTile);
-    const int top = blocks.start(tile.second * blocksPerTile);
-    const int right = blocks.start((tile.first + 1) * blocksPerTile);
-    const int bottom = blocks.start((tile.second + 1) * blocksPerTile);
+    const int left = blocks.left(tile.first * blocksPerTile);
+    const int top = blocks.top(tile.second * blocksPerTile);
+    const int right = blocks.left((tile.first + 1) * blocksPerTile);
+    const int bottom = blocks.top((tile.second + 1) * blocksPerTile);
     return QRect(left, top, right - left, bottom - top) & picture;
 }
 
 EffectTiles::Index EffectTiles::indexAt(QPoint pixel) const {
-    return {blocks.indexAt(pixel.x()) / blocksPerTile, blocks.indexAt(pixel.y()) / blocksPerTile};
+    return {blocks.columnAt(pixel.x()) / blocksPerTile, blocks.rowAt(pixel.y()) / blocksPerTile};
 }
 
 std::vector<EffectTiles::Index> EffectTiles::shownIn(const EditorAnnotation& effect,

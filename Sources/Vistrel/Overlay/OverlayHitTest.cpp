@@ -144,8 +144,7 @@ bool OverlayHitTest::hits(const EditorAnnotation& layer, Point p) {
     const Rect area = layer.paintedBounds().insetBy(-reach);
     if (!CaptureGeometry::holdsPixel(area, p))
         return false;
-    const bool isDot = layer.geometryBounds().size() == Size{};
-    if (isDot || AnnotationTools::isFreehand(layer.tool))
+    if (layer.isDot() || AnnotationTools::isFreehand(layer.tool))
         return isOnPolyline(layer.points, p, reach);
     return isOnPath(outline(layer), p, reach);
 }

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <numbers>
 #include <random>
 
 using namespace Qt::StringLiterals;
@@ -97,8 +98,9 @@ Layers manyLayers(const Scene& scene, unsigned seed, int count) {
 
 TEST(AnnotationRenderer, pixelateShowsTheExactBlocksAndCoversEveryPixelThatItTouches) {
     for (const double scale : scales) {
-        const Scene scene = noisyScene(scale);
-        const QRect area(37, 50, 101, 67);
+        // No whole number of blocks high: the cut ones are at the top.
+        const Scene scene = noisyScene(scale, {320, 245});
+        const QRect area(37, 0, 101, 167);
         std::vector<Point> corners = scene.corners(area);
         corners[0] = corners[0] + Point{0.4 / scale, 0.4 / scale};
         corners[1] = corners[1] - Point{0.4 / scale, 0.4 / scale};
@@ -107,7 +109,9 @@ TEST(AnnotationRenderer, pixelateShowsTheExactBlocksAndCoversEveryPixelThatItTou
         const QImage result = scene.painted({layer(AnnotationTool::pixelate, corners, width)});
         QImage expected = scene.image.copy();
         QPainter(&expected).drawImage(
-            area.topLeft(), TestPictures::exactBlocks(scene.image, EffectFilters::Blocks{12}).copy(area));
+            area.topLeft(),
+            TestPictures::exactBlocks(scene.image, EffectFilters::Blocks{12, scene.image.height()})
+                .copy(area));
         EXPECT_EQ(result, expected) << scale;
     }
 }
@@ -137,7 +141,7 @@ TEST(AnnotationRenderer, effectsActOnWhatIsSeenBelowThem) {
 
     const QImage underCoarse = scene.painted({arrow, fine});
     EXPECT_EQ(scene.painted({arrow, fine, coarse}).copy(40, 80, 200, 80),
-              TestPictures::exactBlocks(underCoarse, EffectFilters::Blocks{12}).copy(40, 80, 200, 80));
+              TestPictures::exactBlocks(underCoarse, EffectFilters::Blocks{12, 240}).copy(40, 80, 200, 80));
 
     const QImage underBlur = scene.painted({arrow, fine, coarse});
     const QImage result = scene.painted({arrow, fine, coarse, blur});
@@ -190,6 +194,53 @@ TEST(AnnotationRenderer, longStrokesArePaintedLikeOnePath) {
             }
         EXPECT_EQ(darkest, 166) << scale;
         EXPECT_LE(different, covered / 200) << scale;
+    }
+}
+
+// However small the shape and thick its line: painted is what lies within half the width of the outline.
+TEST(AnnotationRenderer, outlinesCoverAllThatIsNearThem) {
+    const std::tuple<const char*, AnnotationTool, Size, double> rows[] = {
+        {"disc", AnnotationTool::ellipse, {8, 8}, 24},
+        {"flatDisc", AnnotationTool::ellipse, {30, 8}, 14},
+        {"sharpBend", AnnotationTool::ellipse, {48, 16}, 8},
+        {"line", AnnotationTool::ellipse, {0, 30}, 12},
+        {"dot", AnnotationTool::ellipse, {0, 0}, 20},
+        {"ring", AnnotationTool::ellipse, {40, 30}, 5},
+        {"square", AnnotationTool::rectangle, {9, 9}, 30},
+        {"bar", AnnotationTool::rectangle, {40, 6}, 14},
+        {"frame", AnnotationTool::rectangle, {40, 30}, 5},
+    };
+    constexpr Point center = {35.3, 28.7};
+    constexpr int samples = 200;
+    for (const auto& [name, tool, size, width] : rows) {
+        std::vector<Point> outline;
+        for (int i = 0; i < samples; ++i) {
+            const double angle = 2 * std::numbers::pi * i / samples;
+            Point way = {std::cos(angle), std::sin(angle)};
+            if (const double longest = std::max(std::abs(way.x), std::abs(way.y));
+                tool == AnnotationTool::rectangle)
+                way = {way.x / longest, way.y / longest};
+            outline.push_back(center + Point{way.x * size.width / 2, way.y * size.height / 2});
+        }
+        for (const double scale : scales) {
+            const Scene scene = plainScene(scale, QSizeF(72 * scale, 56 * scale).toSize());
+            const Point half = {size.width / 2, size.height / 2};
+            const QImage image =
+                scene.painted({layer(tool, {center - half, center + half}, width, Qt::black)});
+            int wrong = 0;
+            for (int y = 0; y < image.height(); ++y)
+                for (int x = 0; x < image.width(); ++x) {
+                    const Point p = {(x + 0.5) / scale, scene.bounds().height - (y + 0.5) / scale};
+                    double squared = 1e9;
+                    for (const Point on : outline)
+                        squared =
+                            std::min(squared, (p.x - on.x) * (p.x - on.x) + (p.y - on.y) * (p.y - on.y));
+                    const double outside = (std::sqrt(squared) - width / 2) * scale; // pixels
+                    const int level = qGreen(image.pixel(x, y));
+                    wrong += (outside < -1 && level != 0) || (outside > 1 && level != 255) ? 1 : 0;
+                }
+            EXPECT_EQ(wrong, 0) << name << " at " << scale;
+        }
     }
 }
 

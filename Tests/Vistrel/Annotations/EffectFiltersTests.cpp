@@ -73,12 +73,16 @@ TEST(EffectFilters, blocksStartOnWholePixels) {
         {7.2, 7.2, {0, 7, 14, 22}},
     };
     for (const auto& [wanted, edge, starts] : cases) {
-        const Blocks blocks = Blocks::ofEdge(wanted);
+        const Blocks blocks = Blocks::ofEdge(wanted, 500);
         EXPECT_EQ(blocks.edge, edge);
-        EXPECT_EQ((Starts{blocks.start(0), blocks.start(1), blocks.start(2), blocks.start(3)}), starts);
+        EXPECT_EQ((Starts{blocks.left(0), blocks.left(1), blocks.left(2), blocks.left(3)}), starts);
         for (int pixel = 0; pixel < 500; ++pixel) {
-            const int index = blocks.indexAt(pixel);
-            EXPECT_TRUE(blocks.start(index) <= pixel && pixel < blocks.start(index + 1)) << pixel;
+            const int column = blocks.columnAt(pixel);
+            EXPECT_TRUE(blocks.left(column) <= pixel && pixel < blocks.left(column + 1)) << pixel;
+            const int row = blocks.rowAt(pixel);
+            EXPECT_TRUE(blocks.top(row) <= pixel && pixel < blocks.top(row + 1)) << pixel;
+            EXPECT_EQ(blocks.top(row), 500 - blocks.left(blocks.columnAt(499 - pixel) + 1))
+                << "the rows are the columns from the bottom edge";
         }
     }
 }
@@ -86,7 +90,7 @@ TEST(EffectFilters, blocksStartOnWholePixels) {
 TEST(EffectFilters, everyBlockGetsTheMeanOfItsPixelsInThePicture) {
     const QImage image = noise({67, 45}, 8);
     for (const double edge : {1.0, 2.0, 2.5, 7.0, 12.0, 99.0}) {
-        const Blocks blocks = Blocks::ofEdge(edge);
+        const Blocks blocks = Blocks::ofEdge(edge, image.height());
         const QImage result = EffectFilters::pixelate(wholeOf(image), image.rect(), blocks);
         EXPECT_EQ(result, TestPictures::exactBlocks(image, blocks)) << edge;
     }

@@ -60,8 +60,8 @@ QImage TestPictures::exactBlur(const QImage& image, double sigma) {
 
 QImage TestPictures::exactBlocks(const QImage& image, EffectFilters::Blocks blocks) {
     return eachChannel(image, [&](Plane& plane) {
-        for (int top = 0; top < image.height(); top = blocks.start(blocks.indexAt(top) + 1))
-            for (int left = 0; left < image.width(); left = blocks.start(blocks.indexAt(left) + 1)) {
+        for (int top = 0; top < image.height(); top = blocks.top(blocks.rowAt(top) + 1))
+            for (int left = 0; left < image.width(); left = blocks.left(blocks.columnAt(left) + 1)) {
                 const QRect block = blocks.whole({left, top, 1, 1}) & image.rect();
                 double* const first = plane.data() + top * image.width() + left;
                 double sum = 0;

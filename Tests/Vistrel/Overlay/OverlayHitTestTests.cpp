@@ -19,6 +19,8 @@ const std::tuple<const char*, Tool, double, std::vector<Point>, Point, bool> hit
     {"lineBeyond5", Tool::line, 1, {{100, 100}, {200, 100}}, {150, 105.1}, false},
     {"lineCapIsRound", Tool::line, 1, {{100, 100}, {200, 100}}, {204, 104}, false},
     {"arrowBarb", Tool::arrow, 2, {{100, 100}, {200, 100}}, {188, 111}, true},
+    {"arrowDotBarb", Tool::arrow, 2, {{100, 100}, {100, 100}}, {88, 111}, true},
+    {"arrowDotTip", Tool::arrow, 2, {{100, 100}, {100, 100}}, {104, 100}, true},
     {"penDot", Tool::pen, 3, {{100, 100}, {100, 100}}, {103, 103}, true},
     {"penBetweenPoints", Tool::pen, 3, {{100, 100}, {150, 150}, {200, 100}}, {175, 128}, true},
     {"penInTheAngle", Tool::pen, 3, {{100, 100}, {150, 150}, {200, 100}}, {150, 110}, false},
