@@ -255,3 +255,29 @@ TEST(ApplicationFlow, ThePreviewShowsTheOverlayAndASecondStartLeavesItThere) {
     EXPECT_EQ(vistrel.copy().size(), QSize(200, 150)) << "the capture went on";
     EXPECT_FALSE(vistrel.isOpen(Vistrel::settingsWindow));
 }
+
+// What is a whole number of points thin need not be one of pixels.
+TEST(ApplicationFlow, TheSettingsKeepTheirDividersAtAFractionalScale) {
+    Vistrel vistrel({.screenSize = {1366, 1000},
+                     .monitors = {{u"L"_s, {0, 0, 1366, 1000}}},
+                     .scaleFactors = u"L=1.25"_s,
+                     .windowManager = true});
+    vistrel.start();
+    ASSERT_TRUE(vistrel.openSettings());
+    const auto place = vistrel.session.client().windowTitled(Vistrel::settingsWindow);
+    ASSERT_TRUE(place);
+    // Inside whatever frames the window.
+    const QImage inside = vistrel.settled(place->rect.adjusted(place->rect.width() / 5, 20, -20, -20));
+    int dividers = 0;
+    QRgb above = 0;
+    for (int y = 0; y < inside.height(); ++y) {
+        const QImage row = inside.copy(0, y, inside.width() / 2, 1);
+        QImage plain = row;
+        plain.fill(row.pixel(0, 0));
+        if (row != plain)
+            continue;
+        dividers += qGray(row.pixel(0, 0)) < qGray(above) ? 1 : 0;
+        above = row.pixel(0, 0);
+    }
+    EXPECT_EQ(dividers, 4) << "below title, tabs and shortcut, and above the button";
+}

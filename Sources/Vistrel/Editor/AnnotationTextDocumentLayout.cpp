@@ -120,6 +120,15 @@ void AnnotationTextDocumentLayout::arrange() {
     fitted = {width, std::min(height, std::max(available.height, 1.0))};
 }
 
+void AnnotationTextDocumentLayout::setOrigin(QPointF topLeft, double aboveTheBox) {
+    origin = topLeft;
+    rise = aboveTheBox;
+}
+
+double AnnotationTextDocumentLayout::riseFor(int position, int composed) const {
+    return std::max(caretRect(position, composed).bottom() - origin.y() - fitted.height, 0.0);
+}
+
 QRectF AnnotationTextDocumentLayout::caretRect(int position, int composed) const {
     constexpr double pointsPerCaretPoint = 18;
     const QTextBlock block = document()->findBlock(position);
@@ -142,7 +151,7 @@ void AnnotationTextDocumentLayout::draw(QPainter* painter, const PaintContext& c
     painter->translate(origin);
     painter->scale(factor, factor);
     painter->setPen(context.palette.color(QPalette::Text));
-    const double bottom = fitted.height / factor + tolerance / factor;
+    const double bottom = (fitted.height + rise + tolerance) / factor;
     for (QTextBlock block = document()->begin(); block.isValid(); block = block.next()) {
         const Paragraph& paragraph = paragraphOf(block);
         if (paragraph.y > bottom)

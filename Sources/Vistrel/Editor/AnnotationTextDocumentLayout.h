@@ -19,12 +19,14 @@ public:
     void setAvailable(Size size);
     /// The box around the text, in points; what `AnnotationTextLayout::size` says of the same text.
     Size box() const { return fitted; }
-    /// Where the box's top-left corner stands in the widget.
-    void setOrigin(QPointF topLeft) { origin = topLeft; }
+    /// Where the text's top-left corner stands in the widget, and how far that is above the box.
+    void setOrigin(QPointF topLeft, double aboveTheBox);
+    /// How far the text must rise so that the caret's line ends within the box.
+    double riseFor(int position, int composed) const;
     /// Where the caret stands in the widget, `composed` units into text being composed.
     QRectF caretRect(int position, int composed) const;
 
-    /// Paints the lines that fit into the box, as the finished layer will show them. Only the palette's
+    /// Paints the lines that end within the box, as the finished layer will show them. Only the palette's
     /// text colour and the selections of the context count.
     void draw(QPainter* painter, const PaintContext& context) override;
     int hitTest(const QPointF& point, Qt::HitTestAccuracy accuracy) const override;
@@ -48,4 +50,5 @@ private:
     Size available{1, 1};
     Size fitted{1, 1};
     QPointF origin;
+    double rise = 0;
 };

@@ -48,7 +48,7 @@ AnnotationTextView::AnnotationTextView(QWidget* parent) : QTextEdit(parent), bli
     text->setDocumentLayout(textLayout);
     text->setDocumentMargin(0);
     setDocument(text);
-    textLayout->setOrigin({overhang, overhang});
+    textLayout->setOrigin({overhang, overhang}, 0);
     setObjectName(QStringLiteral("annotationText"));
     setAccessibleName(QStringLiteral("Text"));
     setAcceptRichText(false);
@@ -64,6 +64,7 @@ AnnotationTextView::AnnotationTextView(QWidget* parent) : QTextEdit(parent), bli
     setInkColor(ink);
     connect(this, &QTextEdit::textChanged, this, &AnnotationTextView::fit);
     connect(this, &QTextEdit::cursorPositionChanged, this, &AnnotationTextView::restartCaret);
+    connect(this, &QTextEdit::cursorPositionChanged, this, &AnnotationTextView::fit);
     connect(this, &QTextEdit::selectionChanged, viewport(), qOverload<>(&QWidget::update));
     connect(blink, &QTimer::timeout, this, [this] {
         caretOn = !caretOn;
@@ -110,9 +111,11 @@ QString AnnotationTextView::string() const {
 }
 
 void AnnotationTextView::fit() {
-    const QRectF exact = box();
+    // What has no room in the box is seen at least while it is typed: the text rises with the caret.
+    const double rise = hasFocus() ? textLayout->riseFor(textCursor().position(), composedCaret) : 0;
+    const QRectF exact = box().adjusted(0, -rise, 0, 0);
     const QRect outer = exact.toAlignedRect().adjusted(-overhang, -overhang, overhang, overhang);
-    textLayout->setOrigin(exact.topLeft() - outer.topLeft());
+    textLayout->setOrigin(exact.topLeft() - outer.topLeft(), rise);
     setGeometry(outer);
     viewport()->update();
     if (onGrowth)
@@ -262,11 +265,13 @@ void AnnotationTextView::restartCaret() {
 void AnnotationTextView::focusInEvent(QFocusEvent* event) {
     QTextEdit::focusInEvent(event);
     restartCaret();
+    fit();
 }
 
 void AnnotationTextView::focusOutEvent(QFocusEvent* event) {
     QTextEdit::focusOutEvent(event);
     restartCaret();
+    fit();
 }
 
 QMimeData* AnnotationTextView::createMimeDataFromSelection() const {

@@ -7,6 +7,8 @@
 
 namespace {
 
+constexpr double handleRadius = 1; // points
+
 long area(const QRect& rect) {
     return static_cast<long>(rect.width()) * rect.height();
 }
@@ -92,32 +94,26 @@ void CanvasPainter::paintDecorations(const Picture& picture, const BadgeText& ba
     for (const QRect& strip : layout.frameRegion())
         painter.fillRect(strip, Qt::white);
     for (const QRect& handle : layout.handles)
-        paintHandle(handle, picture.space, true);
+        paintHandle(handle, picture, handleRadius);
     for (const QRect& strip : layout.layerFrameRegion())
         painter.fillRect(strip, accent);
     for (const QRect& handle : layout.layerHandles)
-        paintHandle(handle, picture.space, false);
+        paintHandle(handle, picture, 0);
     if (layout.badge)
         paintBadge(*layout.badge, picture.space, badgeText);
 }
 
-void CanvasPainter::paintHandle(const QRect& handle, const CanvasSpace& space, bool outlined) {
+void CanvasPainter::paintHandle(const QRect& handle, const Picture& picture, double radiusPoints) {
     if (!region.intersects(handle))
         return;
-    if (!outlined) {
-        painter.fillRect(handle, Qt::white);
-        return;
-    }
     constexpr double outlinePoints = 0.5;
-    constexpr double radiusPoints = 1;
     // Half a point is less than a pixel at scale 1: a whole pixel at that strength, never a blurred one.
-    const double wanted = outlinePoints * space.scale();
-    const double thickness = std::max(1.0, std::round(wanted));
+    const double thickness = picture.layout.handleLine;
     QColor outline = QColor::fromRgbF(0.333F, 0.333F, 0.333F);
-    outline.setAlphaF(static_cast<float>(std::min(1.0, wanted / thickness)));
+    outline.setAlphaF(static_cast<float>(std::min(1.0, outlinePoints * picture.space.scale() / thickness)));
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
-    const double radius = radiusPoints * space.scale();
+    const double radius = radiusPoints * picture.space.scale();
     QPainterPath shape;
     shape.addRoundedRect(handle, radius, radius);
     painter.fillPath(shape, Qt::white);

@@ -31,7 +31,8 @@ public:
     void paintDecorations(const Picture& picture, const BadgeText& badgeText, const QColor& accent);
 
 private:
-    void paintHandle(const QRect& handle, const CanvasSpace& space, bool outlined);
+    /// White with a dark line within its edge.
+    void paintHandle(const QRect& handle, const Picture& picture, double radiusPoints);
     void paintBadge(const DecorationLayout::Badge& badge, const CanvasSpace& space,
                     const BadgeText& badgeText);
 

@@ -6,6 +6,7 @@ namespace {
 
 constexpr double lineThickness = 1;
 constexpr double handleSide = 6;
+constexpr double handleLinePoints = 0.5;
 constexpr double layerFrameDistance = 3;
 constexpr double hintDistanceFromTop = 72;
 constexpr Size badgeMargins = {18, 10};
@@ -58,6 +59,7 @@ DecorationLayout DecorationLayout::of(const OverlayDocument& document, const Can
         return layout;
     layout.lineWidth = space.length(lineThickness);
     layout.lineOutside = layout.lineWidth / 2;
+    layout.handleLine = space.length(handleLinePoints);
     const Rect bounds = document.bounds();
     if (!document.hasSelection()) {
         const Rect near = {bounds.midX(), bounds.maxY() - hintDistanceFromTop, 0, 0};
@@ -92,9 +94,11 @@ DecorationLayout DecorationLayout::of(const OverlayDocument& document, const Can
     layout.layerFrame =
         QRect(static_cast<int>(std::floor(topLeft.x())), static_cast<int>(std::floor(topLeft.y())),
               space.length(frame.width), space.length(frame.height));
+    const int line = layout.handleLine;
     for (const Point handle : OverlayHitTest::layerHandles(*layer))
         layout.layerHandles.push_back(
-            handleAt(space.toPixels(handle), space, layout.lineWidth, layout.lineOutside));
+            handleAt(space.toPixels(handle), space, layout.lineWidth, layout.lineOutside)
+                .adjusted(-line, -line, line, line));
     return layout;
 }
 

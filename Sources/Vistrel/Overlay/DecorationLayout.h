@@ -22,7 +22,10 @@ struct DecorationLayout {
     int lineOutside = 0;
     std::vector<QRect> handles;
     QRect layerFrame;
+    /// With the dark line around them, without which they vanish on white.
     std::vector<QRect> layerHandles;
+    /// Thickness of the handles' dark line in pixels.
+    int handleLine = 1;
     std::optional<Badge> badge;
 
     friend bool operator==(const DecorationLayout&, const DecorationLayout&) = default;

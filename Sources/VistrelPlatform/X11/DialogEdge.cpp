@@ -23,8 +23,10 @@ DialogEdge::DialogEdge(QWidget& dialog) : QWidget(&dialog) {
 void DialogEdge::surround() {
     const QRect all = parentWidget()->rect();
     setGeometry(all);
-    // Only the rim is painted again when something beneath changes.
-    setMask(QRegion(all) - QRegion(all.adjusted(1, 1, -1, -1)));
+    // Only the rim is painted again when something beneath changes. A pixel of it may lie in the second point
+    // from the edge, as points are rounded to pixels at fractional scales.
+    constexpr int rim = 2;
+    setMask(QRegion(all) - QRegion(all.adjusted(rim, rim, -rim, -rim)));
     raise();
 }
 
@@ -39,11 +41,10 @@ void DialogEdge::paintEvent(QPaintEvent*) {
     constexpr float strength = 0.45F;
     color.setAlphaF(strength);
     QPainter painter(this);
-    const double line = 1 / devicePixelRatioF();
-    const QRectF outer(rect());
-    painter.fillRect(QRectF(outer.left(), outer.top(), outer.width(), line), color);
-    painter.fillRect(QRectF(outer.left(), outer.bottom() - line, outer.width(), line), color);
-    painter.fillRect(QRectF(outer.left(), outer.top() + line, line, outer.height() - 2 * line), color);
-    painter.fillRect(QRectF(outer.right() - line, outer.top() + line, line, outer.height() - 2 * line),
-                     color);
+    // In pixels: what is not aligned to them is left out at fractional scales.
+    const QTransform toDevice = painter.deviceTransform();
+    const QRect outer = toDevice.mapRect(QRectF(rect())).toRect();
+    painter.setWorldTransform(toDevice.inverted(), true);
+    for (const QRect& strip : QRegion(outer) - QRegion(outer.adjusted(1, 1, -1, -1)))
+        painter.fillRect(strip, color);
 }

@@ -86,6 +86,42 @@ TEST_F(AnnotationTextViewTests, theEditorMeasuresAndPaintsWhatTheLayerWill) {
     }
 }
 
+TEST_F(AnnotationTextViewTests, textBelowTheBoxIsSeenWhileItIsTyped) {
+    const auto inkAt = [&](double fromTop) {
+        QImage image(window.size(), QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::white);
+        view.render(&image, view.pos(), QRegion(), QWidget::DrawChildren);
+        // Some of the line's x-height, beside the caret.
+        const QImage line = image.copy(QRect(21, qRound(fromTop) + 10, 14, 12));
+        for (int y = 0; y < line.height(); ++y)
+            for (int x = 0; x < line.width(); ++x)
+                if (line.pixelColor(x, y) != Qt::white)
+                    return true;
+        return false;
+    };
+    view.setInkColor(Qt::blue);
+    for (const double room : {5.0, 40.0}) {
+        SCOPED_TRACE(room);
+        view.setAvailableSize({600, room});
+        view.setString({});
+        for (const QChar typed : u"mm\nmm\nmm"_s) {
+            if (typed == u'\n')
+                QTest::keyClick(&view, Qt::Key_Return);
+            else
+                QTest::keyClicks(&view, typed);
+            const QRectF caret = view.caretRect().translated(view.pos());
+            EXPECT_LE(caret.bottom(), 30 + std::max(room, caret.height()) + 0.01);
+            EXPECT_TRUE(view.geometry().contains(caret.toAlignedRect()));
+            EXPECT_EQ(view.box().height(), AnnotationTextLayout::size(view.string(), 24, {600, room}).height)
+                << "the layer's box stays";
+        }
+        EXPECT_TRUE(inkAt(view.caretRect().translated(view.pos()).top()));
+        view.moveCursor(QTextCursor::Start);
+        EXPECT_NEAR(view.caretRect().translated(view.pos()).top(),
+                    std::min(30.0, 30 + room - view.caretRect().height()), 0.01);
+    }
+}
+
 TEST_F(AnnotationTextViewTests, onlyPlainTextIsPasted) {
     auto* rich = new QMimeData;
     rich->setHtml(u"<b>bold</b>"_s);

@@ -120,6 +120,25 @@ TEST_F(CanvasPainterTests, repairingTheDamageEqualsPaintingAll) {
     }
 }
 
+TEST_F(CanvasPainterTests, handlesAreSeenOnWhitePaper) {
+    decorated = true;
+    for (const auto& [scale, pixels] : scaleCases) {
+        open(scale, pixels);
+        presentation.fill(Qt::white);
+        document.selection = document.bounds();
+        document.state = {};
+        addSelected(AnnotationTool::line, {{100, 50}, {160, 90}});
+        const QImage target = painted();
+        std::vector<QRect> handles = layout().layerHandles;
+        EXPECT_EQ(handles.size(), 2U);
+        handles.push_back(layout().handles[1]);
+        for (const QRect& handle : handles) {
+            EXPECT_EQ(target.pixelColor(handle.center()), Qt::white) << scale;
+            EXPECT_LT(qGray(target.pixel(handle.left(), handle.center().y())), 200) << scale;
+        }
+    }
+}
+
 TEST_F(CanvasPainterTests, layersOfAReducedDisplayAreAsWideAsTheyWereDrawn) {
     document.reset(noise({200, 100}), 2, {200, 100});
     ASSERT_TRUE(document.reducedRetina);

@@ -173,3 +173,29 @@ TEST_F(X11OverlayWindowsTest, StaysAboveWindowsThatComeLaterUnlessTheyCoverAll) 
     client.destroy(locker);
     EXPECT_TRUE(waitUntil([&] { return !keyboardIsFree(); }));
 }
+
+TEST_F(X11OverlayWindowsTest, ADialogHasItsWholeEdgeAtEveryScaleAndSize) {
+    for (const double scale : {1.0, 1.25, 1.5, 1.75, 2.0})
+        for (int side = 100; side < 108; ++side) {
+            QWidget dialog;
+            dialog.resize(side, side);
+            dialog.setPalette(Qt::white);
+            overlays.prepareDialog(dialog);
+            const int pixels = qRound(side * scale);
+            QImage image(pixels, pixels, QImage::Format_RGB32);
+            image.setDevicePixelRatio(scale);
+            dialog.render(&image);
+            image.setDevicePixelRatio(1);
+            const int last = pixels - 1;
+            const int middle = pixels / 2;
+            const std::pair<QPoint, QPoint> edges[] = {{{middle, 0}, {0, 1}},
+                                                       {{middle, last}, {0, -1}},
+                                                       {{0, middle}, {1, 0}},
+                                                       {{last, middle}, {-1, 0}}};
+            for (const auto& [edge, inwards] : edges) {
+                EXPECT_NE(image.pixel(edge), image.pixel(edge + inwards)) << scale << ' ' << side;
+                EXPECT_EQ(image.pixel(edge + inwards), image.pixel(edge + 2 * inwards))
+                    << scale << ' ' << side;
+            }
+        }
+}

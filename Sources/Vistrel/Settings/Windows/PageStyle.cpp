@@ -1,9 +1,10 @@
 #include "Settings/Windows/PageStyle.h"
 
+#include "Editor/DevicePixels.h"
+
 #include <QApplication>
 #include <QEvent>
 #include <QFontMetrics>
-#include <QFrame>
 #include <QVBoxLayout>
 
 namespace PageStyle {
@@ -13,6 +14,24 @@ constexpr double titleRatio = 1.4;
 constexpr double noteRatio = 0.92;
 constexpr double secondaryShare = 0.68;
 constexpr int charactersPerLine = 72;
+
+/// A line of whole pixels: a styled one lies between them at fractional scales, and may be left out.
+class Divider : public QWidget {
+public:
+    explicit Divider(QWidget* parent) : QWidget(parent) {
+        setFixedHeight(1);
+        setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    }
+
+protected:
+    void paintEvent(QPaintEvent*) override {
+        QPainter painter(this);
+        const QPointF corner = DevicePixels::aligned(painter, QPointF(0, 0));
+        const double pixels = std::max(1.0, std::floor(DevicePixels::ratio(painter)));
+        painter.fillRect(QRectF(corner.x(), corner.y(), width(), pixels * DevicePixels::one(painter)),
+                         palette().color(QPalette::Mid));
+    }
+};
 
 } // namespace
 
@@ -69,13 +88,8 @@ QVBoxLayout* column(QWidget* page) {
     return layout;
 }
 
-QFrame* divider(QWidget* parent) {
-    auto* line = new QFrame(parent);
-    line->setFrameShape(QFrame::HLine);
-    line->setFrameShadow(QFrame::Plain);
-    line->setForegroundRole(QPalette::Mid);
-    line->setFixedHeight(1);
-    return line;
+QWidget* divider(QWidget* parent) {
+    return new Divider(parent);
 }
 
 } // namespace PageStyle

@@ -4,7 +4,6 @@
 #include <QFont>
 #include <QLabel>
 
-class QFrame;
 class QVBoxLayout;
 
 /// The measures and the one type scale of the settings and setup windows. Points.
@@ -30,7 +29,7 @@ bool isDark(const QPalette& palette);
 int pageWidth(const QFont& base);
 /// A page's column: the grid's margins, no spacing of its own.
 QVBoxLayout* column(QWidget* page);
-QFrame* divider(QWidget* parent);
+QWidget* divider(QWidget* parent);
 
 } // namespace PageStyle
 

@@ -1,6 +1,5 @@
 #include "Settings/Windows/PageView.h"
 
-#include <QFrame>
 #include <QHBoxLayout>
 #include <QStyle>
 

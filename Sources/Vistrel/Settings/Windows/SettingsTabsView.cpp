@@ -8,7 +8,6 @@
 #include "Settings/Windows/SettingsTabBar.h"
 #include "Settings/Windows/UpdateSettingsView.h"
 
-#include <QFrame>
 #include <QShortcut>
 
 SettingsTabsView::SettingsTabsView(const PanelSources& given, SettingsTab initial, std::function<void()> done,
