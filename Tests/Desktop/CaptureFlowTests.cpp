@@ -95,6 +95,7 @@ const ScaleCase scaleCases[] = {
     {"fractionalBesideDouble", {left, right}, "L=2;R=1.5", {1280 + 502, 306}, {1280 + 201, 103}},
     {"releasedOnTheOther", {left, right}, "L=2;R=1.5", {1280 + 301, 306}, {99, 103}, {1280, 103, 301, 203}},
     {"cornerToCorner", {whole}, "L=1.5", {0, 0}, {2000, 800}, whole.rect},
+    {"fromTheLastPixel", {whole}, "L=2", {1365, 767}, {301, 301}, {301, 301, 1065, 467}},
     {"reducedByDefault", {whole}, "L=2", {100, 100}, {300, 240}, {100, 100, 200, 140}, true},
 };
 } // namespace

@@ -13,6 +13,9 @@ CaptureOverlayWindow::CaptureOverlayWindow(const Screen& screen, EditorPreferenc
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAttribute(Qt::WA_NoSystemBackground);
     setFocusProxy(canvas);
+    setMouseTracking(true);
+    canvas->installEventFilter(this);
+    setCursor(canvas->cursor());
     const Size points = screen.pointSize();
     resize(static_cast<int>(std::lround(points.width)), static_cast<int>(std::lround(points.height)));
 }
@@ -23,8 +26,22 @@ void CaptureOverlayWindow::releasePixels() {
 }
 
 bool CaptureOverlayWindow::event(QEvent* event) {
-    if (event->type() == QEvent::WinIdChange && windowHandle())
-        windowHandle()->installEventFilter(this);
+    switch (event->type()) {
+    case QEvent::WinIdChange:
+        if (windowHandle())
+            windowHandle()->installEventFilter(this);
+        break;
+    case QEvent::Enter:
+    case QEvent::MouseMove:
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseButtonDblClick:
+        // The toolkit looks for the widget at whole points, and so finds none on the last row and column of
+        // pixels. Not sent, as what the canvas ignores would come back.
+        return static_cast<QObject*>(canvas)->event(event);
+    default:
+        break;
+    }
     return QWidget::event(event);
 }
 
@@ -35,6 +52,8 @@ bool CaptureOverlayWindow::eventFilter(QObject* watched, QEvent* event) {
         if (takesKey(static_cast<QKeyEvent&>(*event)))
             return true;
     }
+    if (event->type() == QEvent::CursorChange && watched == canvas)
+        setCursor(canvas->cursor());
     return QWidget::eventFilter(watched, event);
 }
 
