@@ -19,9 +19,9 @@ X11ScreenList::X11ScreenList() {
     const auto changing = [this] { settled.start(); };
     connect(qGuiApp, &QGuiApplication::screenAdded, this, [this](QScreen* screen) {
         watch(screen);
-        settled.start();
+        replaced();
     });
-    connect(qGuiApp, &QGuiApplication::screenRemoved, this, changing);
+    connect(qGuiApp, &QGuiApplication::screenRemoved, this, &X11ScreenList::replaced);
     connect(qGuiApp, &QGuiApplication::primaryScreenChanged, this, changing);
     for (QScreen* screen : QGuiApplication::screens())
         watch(screen);
@@ -36,10 +36,16 @@ void X11ScreenList::watch(QScreen* screen) {
     connect(screen, &QScreen::logicalDotsPerInchChanged, this, changing);
 }
 
+void X11ScreenList::replaced() {
+    windowsMoved = true;
+    settled.start();
+}
+
 void X11ScreenList::announceChange() {
     std::vector<Screen> current = screens();
-    if (current == announced)
+    if (current == announced && !windowsMoved)
         return;
+    windowsMoved = false;
     announced = std::move(current);
     Q_EMIT changed();
 }

@@ -20,6 +20,7 @@ public:
 
 private:
     void watch(QScreen* screen);
+    void replaced();
     void announceChange();
     QString monitorName(std::uint32_t atom) const;
 
@@ -27,4 +28,6 @@ private:
     mutable std::map<std::uint32_t, QString> monitorNames;
     QTimer settled;
     std::vector<Screen> announced;
+    /// The toolkit has taken windows from a display that went, even if it is back by now.
+    bool windowsMoved = false;
 };
