@@ -1,6 +1,5 @@
 #include "ResidentProgram.h"
 
-#include "App/LoginItemAlert.h"
 #include "Reports/ReportDraftFiles.h"
 
 #include <QApplication>
@@ -108,7 +107,10 @@ AppController::Presentation ResidentProgram::presentation() {
                         setup->hide();
                 },
             .closeSetup = [this] { setupWindow().reject(); },
-            .askToOpenLoginItems = LoginItemAlert::ask};
+            .askToOpenLoginItems =
+                [this](const QString& description, std::function<void()> open) {
+                    loginItemAlert.ask(description, std::move(open));
+                }};
 }
 
 CaptureSession ResidentProgram::makeCaptureSession(std::function<void()> needsPermission) {

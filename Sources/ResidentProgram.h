@@ -2,6 +2,7 @@
 
 #include "App/AppController.h"
 #include "App/LaunchAtLoginService.h"
+#include "App/LoginItemAlert.h"
 #include "App/StatusItem.h"
 #include "App/TerminationSignals.h"
 #include "Capture/CaptureSessionCoordinator.h"
@@ -82,6 +83,7 @@ private:
     PanelSources panelSources;
     std::unique_ptr<SettingsWindow> settings;
     std::unique_ptr<SetupWindow> setup;
+    LoginItemAlert loginItemAlert;
     StatusNotifierHost busPanels;
     X11TrayHost embeddingPanels;
     StatusItem statusItem;

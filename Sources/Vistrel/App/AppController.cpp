@@ -110,9 +110,8 @@ void AppController::toggleLaunchAtLogin() {
     if (const auto changed = login.toggle(); changed) {
         if (login.status() == LoginItemStatus::requiresApproval)
             openLoginItems();
-    } else if (presentation.askToOpenLoginItems &&
-               presentation.askToOpenLoginItems(changed.error().description)) {
-        openLoginItems();
+    } else if (presentation.askToOpenLoginItems) {
+        presentation.askToOpenLoginItems(changed.error().description, [this] { openLoginItems(); });
     }
     refreshMenu();
 }

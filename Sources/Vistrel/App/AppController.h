@@ -64,8 +64,9 @@ public:
         std::function<void()> hideSetup;
         /// As if the user had closed it; `setupWindowWillClose` follows.
         std::function<void()> closeSetup;
-        /// Tells about a login item that could not be changed; true when the user wants to see the page.
-        std::function<bool(const QString& description)> askToOpenLoginItems;
+        /// Tells about a login item that could not be changed; `open` is called when the user wants to see
+        /// the page.
+        std::function<void(const QString& description, std::function<void()> open)> askToOpenLoginItems;
     };
 
     explicit AppController(Services supplied, QObject* parent = nullptr);

@@ -32,6 +32,7 @@ void CaptureOutput::copy(const QImage& image) {
 }
 
 void CaptureOutput::save(const QImage& image, CaptureOverlayWindow& window) {
+    giveUpSave();
     record(Action::saveRequested);
     const ScreenshotSaveFormat format = preferences.saveFormat();
     presenter.beginDialog(window);
@@ -59,16 +60,28 @@ void CaptureOutput::write(const QImage& image, ScreenshotSaveFormat format, cons
 }
 
 void CaptureOutput::showSaveFailure(const QString& description, CaptureOverlayWindow& window) {
-    auto* alert = new QMessageBox(QMessageBox::Warning, QGuiApplication::applicationDisplayName(),
-                                  QStringLiteral("Couldn’t save the screenshot"), QMessageBox::Ok, &window);
+    alert = new QMessageBox(QMessageBox::Warning, QGuiApplication::applicationDisplayName(),
+                            QStringLiteral("Couldn’t save the screenshot"), QMessageBox::Ok, &window);
     alert->setObjectName(QStringLiteral("saveFailure"));
     alert->setInformativeText(description);
     alert->setAttribute(Qt::WA_DeleteOnClose);
     presenter.prepareDialog(*alert);
-    QObject::connect(alert, &QDialog::finished, &window, [this, &window] { presenter.endDialog(window); });
+    QObject::connect(alert, &QDialog::finished, alert, [this, &window] { presenter.endDialog(window); });
     alert->open();
+}
+
+void CaptureOutput::giveUpSave() {
+    if (savePanel.isOpen())
+        record(Action::saveCancelled);
+    cancel();
 }
 
 void CaptureOutput::cancel() {
     savePanel.cancel();
+    if (!alert)
+        return;
+    alert->disconnect();
+    alert->hide();
+    alert->deleteLater();
+    alert.clear();
 }

@@ -7,9 +7,12 @@
 #include "VistrelPlatform/ImageClipboard.h"
 #include "VistrelPlatform/Result.h"
 
+#include <QPointer>
+
 #include <functional>
 
 class CaptureOverlayWindow;
+class QMessageBox;
 
 /// What becomes of an exported picture: the clipboard, a file, another program. A failure leaves the
 /// overlay open with everything in it. Main thread.
@@ -20,9 +23,12 @@ public:
                   ImageClipboard& clipboard);
 
     void copy(const QImage& image);
-    /// Asks where in a panel in front of `window`, then writes there.
+    /// Asks where in a panel in front of `window`, then writes there. A save that another display asked for
+    /// before and that still waits for an answer is given up.
     void save(const QImage& image, CaptureOverlayWindow& window);
-    /// Takes away whatever waits for an answer.
+    /// As if the user had cancelled it.
+    void giveUpSave();
+    /// Takes away whatever waits for an answer, without a word.
     void cancel();
 
     std::function<void(Diagnostic::Action, const Diagnostic::Details&)> onDiagnosticEvent;
@@ -39,4 +45,5 @@ private:
     const EditorPreferences& preferences;
     ImageClipboard& clipboard;
     SavePanel savePanel;
+    QPointer<QMessageBox> alert;
 };

@@ -25,14 +25,6 @@ int imageCount(const CaptureTiming::Report& report) {
     }));
 }
 
-void showCaptureAlert(const QString& description) {
-    auto* alert = new QMessageBox(QMessageBox::Warning, QGuiApplication::applicationDisplayName(),
-                                  QStringLiteral("Couldn’t capture the screen"), QMessageBox::Ok);
-    alert->setInformativeText(description);
-    alert->setAttribute(Qt::WA_DeleteOnClose);
-    alert->open();
-}
-
 } // namespace
 
 CaptureSessionCoordinator::CaptureSessionCoordinator(Services coordinatorServices, QObject* parent)
@@ -73,8 +65,10 @@ void CaptureSessionCoordinator::wirePresenter() {
     share->onDiagnosticEvent = [this](Diagnostic::Action action) { record(action); };
     share->onDone = [this] { close(); };
     presenter.onShare = [this](const QImage& image, QWidget& anchor, CaptureOverlayWindow& window) {
-        if (isBusy)
-            share->share(image, anchor, window);
+        if (!isBusy)
+            return;
+        output->giveUpSave();
+        share->share(image, anchor, window);
     };
 }
 
@@ -112,6 +106,7 @@ void CaptureSessionCoordinator::begin(CaptureTime::Instant at, std::shared_ptr<C
     if (!onPresent)
         prepareOverlays();
     isBusy = true;
+    alert.reset();
     startCapture(timing);
 }
 
@@ -161,7 +156,17 @@ void CaptureSessionCoordinator::failed(const Error& error, const Timing& timing)
     if (onError)
         onError(error);
     else
-        showCaptureAlert(error.description);
+        showAlert(error.description);
+}
+
+void CaptureSessionCoordinator::showAlert(const QString& description) {
+    alert = std::make_unique<QMessageBox>(QMessageBox::Warning, QGuiApplication::applicationDisplayName(),
+                                          QStringLiteral("Couldn’t capture the screen"), QMessageBox::Ok);
+    alert->setObjectName(QStringLiteral("captureFailure"));
+    alert->setInformativeText(description);
+    // It may stand there unanswered while the next capture is on the screen.
+    alert->setModal(false);
+    alert->show();
 }
 
 void CaptureSessionCoordinator::present(const Frozen& displays, const Timing& timing) {

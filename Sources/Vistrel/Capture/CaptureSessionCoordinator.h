@@ -19,6 +19,7 @@
 
 class CaptureOutput;
 class CaptureShare;
+class QMessageBox;
 
 /// Runs one capture from request to close: permission, pictures, presentation, output, timing and the
 /// journal. One capture at a time. Main thread.
@@ -73,11 +74,14 @@ private:
     void present(const Frozen& displays, const Timing& timing);
     void completeMeasurement(const Timing& timing, const std::optional<QString>& error);
     void displaysChanged();
+    void showAlert(const QString& description);
 
     Services services;
     OverlayPresenter presenter;
     std::unique_ptr<CaptureOutput> output;
     std::unique_ptr<CaptureShare> share;
     std::stop_source captureTask;
+    /// What the last capture failed of, until it is read or the next is asked for.
+    std::unique_ptr<QMessageBox> alert;
     bool isBusy = false;
 };

@@ -1,5 +1,6 @@
 #include "Capture/OverlayPresenter.h"
 
+#include "Capture/DialogKeys.h"
 #include "Overlay/BadgeText.h"
 #include "Overlay/CaptureOverlayView.h"
 #include "Overlay/CaptureOverlayWindow.h"
@@ -198,6 +199,8 @@ void OverlayPresenter::setLevel(OverlayLevel level) {
 void OverlayPresenter::suspend() {
     suspended = true;
     setLevel(OverlayLevel::belowDialogs);
+    for (const auto& window : windows)
+        window->dialogAttached = false;
 }
 
 void OverlayPresenter::orderOut() {
@@ -218,7 +221,13 @@ void OverlayPresenter::resume(CaptureOverlayWindow& window) {
 
 void OverlayPresenter::beginDialog(CaptureOverlayWindow& window) {
     setLevel(OverlayLevel::belowDialogs);
-    window.dialogAttached = true;
+    for (const auto& each : windows)
+        each->dialogAttached = each.get() == &window;
+}
+
+void OverlayPresenter::prepareDialog(QWidget& dialog) {
+    DialogKeys::ignoreHeld(dialog);
+    services.overlayWindows.prepareDialog(dialog);
 }
 
 void OverlayPresenter::endDialog(CaptureOverlayWindow& window) {

@@ -50,11 +50,11 @@ public:
     void orderOut();
     /// The share has ended: all windows are back, and `window` has the keyboard.
     void resume(CaptureOverlayWindow& window);
-    /// A dialog of ours stands in front of `window` from now on, or no longer.
+    /// A dialog of ours stands in front of `window` from now on, and of no other; or no longer.
     void beginDialog(CaptureOverlayWindow& window);
     void endDialog(CaptureOverlayWindow& window);
     /// Makes one of our dialogs appear above the lowered windows and take the keyboard.
-    void prepareDialog(QWidget& dialog) { services.overlayWindows.prepareDialog(dialog); }
+    void prepareDialog(QWidget& dialog);
 
     std::function<void(Diagnostic::Action, const Diagnostic::Details&)> onDiagnosticEvent;
     std::function<void(std::optional<QString> error)> onReady;

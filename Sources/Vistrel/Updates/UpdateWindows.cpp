@@ -12,6 +12,8 @@ namespace {
 
 QMessageBox* message(QMessageBox::Icon icon, const QString& text, const QString& details) {
     auto* box = new QMessageBox(icon, QStringLiteral("Vistrel Update"), text, QMessageBox::NoButton);
+    // A message box is application-modal unless told otherwise, and would stop a capture that it lies under.
+    box->setModal(false);
     box->setObjectName(QStringLiteral("updateMessage"));
     box->setAccessibleName(text);
     box->setTextFormat(Qt::PlainText);

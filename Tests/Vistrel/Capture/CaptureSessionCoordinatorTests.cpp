@@ -1,10 +1,14 @@
 #include "Capture/CaptureError.h"
 #include "Capture/CaptureSessionCoordinator.h"
+#include "Capture/DialogKeys.h"
 #include "Support/EmptyDefaults.h"
 
 #include <QApplication>
+#include <QKeyEvent>
+#include <QMessageBox>
 #include <QPromise>
 #include <QWidget>
+#include <QWindow>
 
 #include <gtest/gtest.h>
 
@@ -111,4 +115,34 @@ TEST_F(CoordinatorTests, ClosingDuringTheCaptureSaysNothing) {
     screenshots.answer(std::vector<FrozenDisplay>());
     EXPECT_FALSE(coordinator.busy());
     EXPECT_TRUE(saved.empty());
+}
+
+TEST_F(CoordinatorTests, AlertsNeitherPileUpNorBlockAnything) {
+    const auto alerts = [] {
+        std::vector<QWidget*> shown;
+        std::ranges::copy_if(QApplication::topLevelWidgets(), std::back_inserter(shown), [](auto* widget) {
+            return widget->objectName() == u"captureFailure"_s && widget->isVisible();
+        });
+        return shown;
+    };
+    for (int round = 0; round < 3; ++round) {
+        begin();
+        EXPECT_TRUE(alerts().empty()) << "what is asked for again has nothing to say yet";
+        screenshots.answer(tl::unexpected(Error{ErrorDomain::windowSystem, round, u"Gone."_s}));
+        ASSERT_EQ(alerts().size(), 1U);
+        EXPECT_FALSE(alerts().front()->isModal());
+    }
+}
+
+TEST(DialogKeysTests, ARepeatOfAHeldKeyAnswersNothing) {
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape}) {
+        QMessageBox box(QMessageBox::Warning, {}, u"Read me"_s, QMessageBox::Ok);
+        DialogKeys::ignoreHeld(box);
+        box.open();
+        for (const bool repeat : {true, false}) {
+            QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier, {}, repeat);
+            QCoreApplication::sendEvent(box.windowHandle(), &press);
+            EXPECT_EQ(box.isVisible(), repeat) << key;
+        }
+    }
 }

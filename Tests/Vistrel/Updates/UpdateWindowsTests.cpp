@@ -98,3 +98,16 @@ TEST_F(UpdateWindowsTests, progressCanBeStoppedUntilInstallationBegins) {
 }
 
 } // namespace
+
+TEST_F(UpdateWindowsTests, noneStopsACaptureThatItLiesUnder) {
+    const std::function<void()> rows[] = {
+        [&] { windows.showCheck({}); }, [&] { windows.showUpToDate(u"1.0"_s); },
+        [&] { windows.showOffer(offerOf(true), {}); }, [&] { windows.showInstalled(u"2.0"_s, [](bool) {}); },
+        [&] {
+            windows.showError({ErrorDomain::system, 1, u"Broken."_s});
+        }};
+    for (const auto& show : rows) {
+        show();
+        EXPECT_FALSE(windows.window()->isModal()) << windows.window()->windowTitle().toStdString();
+    }
+}
