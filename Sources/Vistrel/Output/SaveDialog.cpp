@@ -3,6 +3,7 @@
 #include <QBoxLayout>
 #include <QDir>
 #include <QFileInfo>
+#include <QHeaderView>
 #include <QInputDialog>
 #include <QLineEdit>
 #include <QListView>
@@ -12,6 +13,7 @@
 #include <QSettings>
 #include <QStandardPaths>
 #include <QToolButton>
+#include <QTreeView>
 #include <QUrl>
 
 #include <algorithm>
@@ -52,11 +54,14 @@ SaveDialog::SaveDialog(QWidget* window, ScreenshotSaveFormat format, const QStri
     // Read-only: the dialog's own ways to rename and delete ask in windows that would stay below the
     // overlay. New folders and replacing are ours for the same reason.
     setOptions(DontUseNativeDialog | ReadOnly | DontConfirmOverwrite | DontUseCustomDirectoryIcons);
+    setIconProvider(&fileTypes);
     setAcceptMode(AcceptSave);
     setFileMode(AnyFile);
     offerOnly(format);
     offerUsualFolders();
     replaceNewFolderButton();
+    avoidNestedLoops();
+    showNamesAndDates();
     setDirectory(folder);
     selectFile(name);
     putBack();
@@ -117,9 +122,35 @@ void SaveDialog::replaceNewFolderButton() {
     connect(button, &QToolButton::clicked, this, [this] { askForNewFolder(); });
 }
 
+void SaveDialog::avoidNestedLoops() {
+    // The lists' own menus and drags run an event loop each, and the dialog may be taken away meanwhile.
+    for (QAbstractItemView* view : findChildren<QAbstractItemView*>()) {
+        view->setContextMenuPolicy(Qt::NoContextMenu);
+        view->setDragDropMode(QAbstractItemView::NoDragDrop);
+    }
+}
+
+void SaveDialog::showNamesAndDates() {
+    constexpr int nameColumn = 0;
+    constexpr int typeColumn = 2;
+    constexpr int dateColumn = 3;
+    auto* files = findChild<QTreeView*>(QStringLiteral("treeView"));
+    if (!files)
+        return;
+    // There is only the one type.
+    files->hideColumn(typeColumn);
+    files->header()->setStretchLastSection(false);
+    files->header()->setSectionResizeMode(nameColumn, QHeaderView::Stretch);
+    files->header()->setSectionResizeMode(dateColumn, QHeaderView::ResizeToContents);
+}
+
 QString SaveDialog::withSuffix(const QString& name) const {
     const QString suffix = QFileInfo(name).suffix();
-    return suffixes.contains(suffix, Qt::CaseInsensitive) ? name : name + QLatin1Char('.') + suffixes.first();
+    if (suffixes.contains(suffix, Qt::CaseInsensitive))
+        return name;
+    static const QStringList pictures{QStringLiteral("png"), QStringLiteral("jpg"), QStringLiteral("jpeg")};
+    const bool isPicture = pictures.contains(suffix, Qt::CaseInsensitive);
+    return (isPicture ? name.chopped(suffix.size()) : name + QLatin1Char('.')) + suffixes.first();
 }
 
 QLineEdit& SaveDialog::nameField() const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Output/FileTypesByName.h"
 #include "Settings/ScreenshotSaveFormat.h"
 
 #include <QFileDialog>
@@ -25,9 +26,14 @@ private:
     QString path;
 };
 
+/// A base, because the file dialog's threads use it until the dialog has gone.
+struct SaveDialogFileTypes {
+    FileTypesByName fileTypes;
+};
+
 /// The file dialog behind `SavePanel`. Every window it opens goes through `prepareDialog`; it never runs
 /// an event loop of its own, and it changes nothing on the disk but for the folders the user adds.
-class SaveDialog : private ToolkitSettingsAside, public QFileDialog {
+class SaveDialog : private ToolkitSettingsAside, private SaveDialogFileTypes, public QFileDialog {
 public:
     SaveDialog(QWidget* window, ScreenshotSaveFormat format, const QString& folder, const QString& name);
     ~SaveDialog() override;
@@ -42,9 +48,12 @@ private:
     void offerOnly(ScreenshotSaveFormat format);
     void offerUsualFolders();
     void replaceNewFolderButton();
+    void avoidNestedLoops();
+    void showNamesAndDates();
     QLineEdit& nameField() const;
     /// Absolute; empty when nothing is typed.
     QString typedPath() const;
+    /// Ends in the format's suffix, which takes the place of another picture format's.
     QString withSuffix(const QString& name) const;
     void choose(const QString& file);
     void confirmReplacing(const QString& file);

@@ -2,6 +2,8 @@
 #include "Support/TestFiles.h"
 
 #include <QAbstractButton>
+#include <QAbstractFileIconProvider>
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QFileDialog>
 #include <QLineEdit>
@@ -65,7 +67,8 @@ TEST_F(SavePanelTest, ConfirmedNamesEndInTheFormatsSuffix) {
         {ScreenshotSaveFormat::png, "shot", "shot.png"},
         {ScreenshotSaveFormat::png, "shot.PNG", "shot.PNG"},
         {ScreenshotSaveFormat::png, "v1.2", "v1.2.png"},
-        {ScreenshotSaveFormat::png, "shot.jpg", "shot.jpg.png"},
+        {ScreenshotSaveFormat::png, "shot.jpg", "shot.png"},
+        {ScreenshotSaveFormat::jpg, "pic.png", "pic.jpg"},
         {ScreenshotSaveFormat::jpg, "shot.jpeg", "shot.jpeg"}};
     for (const auto& [format, typed, saved] : rows) {
         open(format);
@@ -113,6 +116,16 @@ TEST_F(SavePanelTest, ItMayBeTakenAwayAtAnyTime) {
     });
     dialog()->reject();
     EXPECT_TRUE(called);
+}
+
+TEST_F(SavePanelTest, NeitherLooksIntoFilesNorRunsALoopOfItsOwn) {
+    const QString file = folder.filePath(u"unnamed"_s);
+    QImage(1, 1, QImage::Format_RGB32).save(file, "PNG");
+    open();
+    EXPECT_FALSE(dialog()->iconProvider()->type(QFileInfo(file)).contains(u"PNG"_s));
+    for (const auto* view : dialog()->findChildren<QAbstractItemView*>())
+        EXPECT_TRUE(view->contextMenuPolicy() == Qt::NoContextMenu && !view->dragEnabled())
+            << view->objectName().toStdString();
 }
 
 TEST_F(SavePanelTest, LeavesNoTraceInTheToolkitsSettings) {
