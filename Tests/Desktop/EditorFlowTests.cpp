@@ -219,7 +219,7 @@ TEST_F(EditorFlow, SizesAndColoursAreChosenForToolsAndForLayers) {
     EXPECT_EQ(editor.steps(2), "sizeChanged(1,8,0) toolSelected(5,3,0)");
 
     // A layer's own size: each step can be undone.
-    const QPoint start = wideArea.topLeft() + QPoint(100, 200);
+    const QPoint start = wideArea.topLeft() + QPoint(100, 180);
     editor.drag(start, start + QPoint(200, 0));
     editor.layers = 1;
     editor.type(u"v"_s);

@@ -5,12 +5,18 @@
 #include "Editor/EditorColors.h"
 #include "Editor/EditorHint.h"
 
+#include <QAbstractSpinBox>
 #include <QApplication>
 #include <QColorDialog>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QPainter>
 #include <QPointer>
+#include <QRegularExpression>
 #include <QScreen>
+#include <QValidator>
+
+#include <algorithm>
 
 std::function<void(QWidget&)> CaptureColorWell::prepareDialog;
 std::function<void(QWidget&)> CaptureColorWell::restoreDialog;
@@ -19,28 +25,37 @@ namespace {
 
 QPointer<CaptureColorWell> pickerOwner;
 
-/// The dialog stands over the overlay without a window manager's frame, so it is moved by its background.
+/// Three or six hexadecimal digits; the number sign before them need not be typed.
+class HexCode : public QValidator {
+public:
+    using QValidator::QValidator;
+
+    State validate(QString& text, int& cursor) const override {
+        if (!text.isEmpty() && !text.startsWith(QLatin1Char('#'))) {
+            text = QLatin1Char('#') + text.trimmed();
+            cursor = std::min(cursor + 1, static_cast<int>(text.size()));
+        }
+        static const QRegularExpression begun(QStringLiteral("^#?[0-9A-Fa-f]{0,6}$"));
+        if (!begun.match(text).hasMatch())
+            return Invalid;
+        constexpr qsizetype lengths[] = {4, 7};
+        return std::ranges::find(lengths, text.size()) != std::end(lengths) ? Acceptable : Intermediate;
+    }
+};
+
 class ColorPickerDialog : public QColorDialog {
 public:
     ColorPickerDialog() {
         setObjectName(QStringLiteral("drawingColorPicker"));
         setWindowTitle(QStringLiteral("Drawing color"));
         setOptions(DontUseNativeDialog | NoButtons);
+        for (QLineEdit* field : findChildren<QLineEdit*>())
+            if (!qobject_cast<QAbstractSpinBox*>(field->parent()))
+                field->setValidator(new HexCode(field));
+        // Return in a field belongs to the field.
+        for (QPushButton* button : findChildren<QPushButton*>())
+            button->setAutoDefault(false);
     }
-
-protected:
-    void mousePressEvent(QMouseEvent* event) override {
-        if (event->button() == Qt::LeftButton)
-            grip = event->globalPosition().toPoint() - pos();
-    }
-    void mouseMoveEvent(QMouseEvent* event) override {
-        if (grip)
-            move(event->globalPosition().toPoint() - *grip);
-    }
-    void mouseReleaseEvent(QMouseEvent*) override { grip.reset(); }
-
-private:
-    std::optional<QPoint> grip;
 };
 
 QPointer<ColorPickerDialog> pickerDialog;

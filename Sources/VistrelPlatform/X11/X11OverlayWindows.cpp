@@ -1,6 +1,7 @@
 #include "VistrelPlatform/X11/X11OverlayWindows.h"
 
 #include "VistrelPlatform/X11/DialogEdge.h"
+#include "VistrelPlatform/X11/DialogTitle.h"
 #include "VistrelPlatform/X11/WindowRedirection.h"
 
 #include <QApplication>
@@ -278,6 +279,7 @@ bool X11OverlayWindows::hasKeyboardFocus(const QWidget& window) const {
 void X11OverlayWindows::prepareDialog(QWidget& dialog) {
     // A managed dialog would lie below the overlay whatever its level is.
     dialog.setWindowFlag(Qt::X11BypassWindowManagerHint);
+    DialogTitle::addTo(dialog);
     DialogEdge::addTo(dialog);
     dialog.installEventFilter(this);
 }

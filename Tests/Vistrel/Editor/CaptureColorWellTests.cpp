@@ -3,7 +3,9 @@
 #include "EditorTestSupport.h"
 
 #include <QColorDialog>
+#include <QLineEdit>
 #include <QPushButton>
+#include <QSpinBox>
 #include <QWindow>
 #include <gtest/gtest.h>
 
@@ -74,4 +76,25 @@ TEST(CaptureColorWellTests, theWindowTakesThePickerAlong) {
     ASSERT_TRUE(well.isActive());
     window.hide();
     EXPECT_FALSE(well.isActive());
+}
+
+TEST(CaptureColorWellTests, aCodeIsTypedWithOrWithoutItsSign) {
+    Canvas window;
+    CaptureColorWell well{&window};
+    present(window);
+    for (const auto& [typed, color] : {std::pair("1a2B3c", QColor(0x1A, 0x2B, 0x3C)),
+                                       {"#00ff00", QColor(0, 255, 0)},
+                                       {"f0f", QColor(255, 0, 255)}}) {
+        well.activate();
+        const auto fields = CaptureColorWell::sharedDialog().findChildren<QLineEdit*>();
+        const auto code = std::ranges::find_if(
+            fields, [](const QLineEdit* field) { return !qobject_cast<QSpinBox*>(field->parent()); });
+        ASSERT_NE(code, fields.end());
+        (*code)->selectAll();
+        QTest::keyClicks(*code, QString::fromLatin1(typed));
+        // Also no button of the dialog.
+        QTest::keyClick(*code, Qt::Key_Return);
+        EXPECT_EQ(well.color(), color) << typed;
+        well.closePicker();
+    }
 }
