@@ -114,6 +114,8 @@ StatusItem::StatusItem(AppController& owner, std::vector<TrayHost*> possibleHost
         menuJustClosed = true;
         QTimer::singleShot(0, this, [this] { menuJustClosed = false; });
     });
+    connect(qGuiApp, &QGuiApplication::applicationStateChanged, this,
+            [this](Qt::ApplicationState state) { knownState = state; });
     for (TrayHost* host : hosts)
         connect(host, &TrayHost::changed, this, &StatusItem::appearWhenPossible);
     menu.installEventFilter(this);
@@ -209,6 +211,13 @@ bool StatusItem::eventFilter(QObject* watched, QEvent* event) {
         if (tray)
             rebuildMenu();
         updateIcon();
+    }
+    // The toolkit learns some time after a capture that its windows have lost the keyboard, and then closes
+    // every menu. This one has the keyboard for itself, and may have been opened since.
+    const bool isDeactivating = QGuiApplication::applicationState() != knownState;
+    if (watched == &menu && event->type() == QEvent::Close && isDeactivating) {
+        event->ignore();
+        return true;
     }
     return QObject::eventFilter(watched, event);
 }

@@ -45,4 +45,5 @@ private:
     std::vector<StatusMenu::Item> shown;
     std::unique_ptr<QSystemTrayIcon> tray;
     bool menuJustClosed = false;
+    Qt::ApplicationState knownState = Qt::ApplicationInactive;
 };
