@@ -14,6 +14,7 @@ const char* __tsan_default_suppressions() { // NOLINT(bugprone-reserved-identifi
            "race:libgio-2.0.so.0\n"
            "race:libgobject-2.0.so.0\n"
            "race:libQt6Network.so.6\n"
+           "race:libQt6XcbQpa.so.6\n"
            "race:QFutureInterface\n"
            "race:QtPrivate::ResultStoreBase\n"
            "race_top:QWaitCondition\n"
@@ -23,6 +24,7 @@ const char* __tsan_default_suppressions() { // NOLINT(bugprone-reserved-identifi
 
 #ifdef __SANITIZE_THREAD__
 
+#include <QAbstractEventDispatcher>
 #include <QFutureInterface>
 #include <QFutureWatcher>
 #include <QSemaphore>
@@ -37,6 +39,7 @@ namespace {
 
 char started;
 char ended;
+char handedOver;
 
 template<class Result, class... Arguments>
 auto own(const char* name) {
@@ -101,6 +104,23 @@ void QSemaphore::acquire(int count) {
     static const auto original = own<void, QSemaphore*, int>("_ZN10QSemaphore7acquireEi");
     original(this, count);
     __tsan_acquire(&ended);
+}
+
+// A thread of the toolkit's reads the window system's events, and the main thread handles and frees them.
+extern "C" void* xcb_wait_for_event(void* connection) {
+    static const auto original = own<void*, void*>("xcb_wait_for_event");
+    void* event = original(connection);
+    __tsan_release(&handedOver);
+    return event;
+}
+
+// Without a frame of its own, so that what is suppressed of the caller is not what our filters do.
+[[gnu::no_sanitize("thread")]] bool
+QAbstractEventDispatcher::filterNativeEvent(const QByteArray& type, void* message, qintptr* result) {
+    static const auto original = own<bool, QAbstractEventDispatcher*, const QByteArray&, void*, qintptr*>(
+        "_ZN24QAbstractEventDispatcher17filterNativeEventERK10QByteArrayPvPx");
+    __tsan_acquire(&handedOver);
+    return original(this, type, message, result);
 }
 
 #endif

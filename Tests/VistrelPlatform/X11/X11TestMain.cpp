@@ -79,7 +79,7 @@ int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "xcb");
     // A monitor's scale follows from its name, so that one program sees all of them.
     qputenv("QT_SCREEN_SCALE_FACTORS", "one=1;oneQuarter=1.25;oneHalf=1.5;two=2");
-    qunsetenv("DBUS_SESSION_BUS_ADDRESS");
+    qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
     qputenv("XDG_RUNTIME_DIR", session.folder(QStringLiteral("runtime")).toUtf8());
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
