@@ -10,6 +10,7 @@ endif()
 file(GLOB_RECURSE installed RELATIVE ${prefix} ${prefix}/*)
 set(expected bin/vistrel lib/vistrel/network.so lib/vistrel/desktop.so share/vistrel/Info.json share/vistrel/Files.txt
   share/applications/com.orvane.Vistrel.desktop share/metainfo/com.orvane.Vistrel.metainfo.xml
+  share/dbus-1/services/com.orvane.Vistrel.service
   share/icons/hicolor/scalable/apps/com.orvane.Vistrel.svg
   share/icons/hicolor/symbolic/apps/com.orvane.Vistrel-symbolic.svg)
 foreach(size 16 32 64 128 256 512)
@@ -38,6 +39,15 @@ string(JSON version GET "${information}" CFBundleShortVersionString)
 if(NOT version STREQUAL VERSION)
   message(SEND_ERROR "Info.json says version ${version}, not ${VERSION}")
 endif()
+
+foreach(entry share/applications/com.orvane.Vistrel.desktop share/dbus-1/services/com.orvane.Vistrel.service)
+  file(STRINGS ${prefix}/${entry} commands REGEX "^(Try)?Exec=")
+  foreach(command IN LISTS commands)
+    if(NOT command MATCHES "^(Try)?Exec=${prefix}/bin/vistrel( --capture)?$")
+      message(SEND_ERROR "${entry} does not start the installed program: ${command}")
+    endif()
+  endforeach()
+endforeach()
 
 # The width stands at byte 16 of a PNG file.
 foreach(size 16 32 64 128 256 512)

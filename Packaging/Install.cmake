@@ -46,7 +46,6 @@ configure_file(${CMAKE_CURRENT_LIST_DIR}/../Resources/com.orvane.Vistrel.metainf
 install(TARGETS vistrel RUNTIME DESTINATION bin)
 install(TARGETS vistrel_module_network vistrel_module_desktop LIBRARY DESTINATION lib/vistrel)
 install(FILES ${CMAKE_BINARY_DIR}/Packaging/Info.json DESTINATION share/vistrel)
-install(FILES ${CMAKE_CURRENT_LIST_DIR}/../Resources/com.orvane.Vistrel.desktop DESTINATION share/applications)
 install(FILES ${CMAKE_BINARY_DIR}/Packaging/com.orvane.Vistrel.metainfo.xml DESTINATION share/metainfo)
 install(FILES ${CMAKE_CURRENT_LIST_DIR}/../Resources/com.orvane.Vistrel.svg
   DESTINATION share/icons/hicolor/scalable/apps)
@@ -75,6 +74,27 @@ install(CODE [[
       DESTINATION "${CMAKE_INSTALL_PREFIX}/share/icons/hicolor/${size}x${size}/apps" TYPE FILE
       RENAME com.orvane.Vistrel.png)
   endforeach()
+]])
+
+# Desktops that give rights by the entry compare its command with the running program, and the bus starts
+# nothing but a whole path. The archive is unpacked anywhere and has its program found by name.
+install(CODE "set(resources \"${CMAKE_CURRENT_LIST_DIR}/../Resources\")
+set(configured \"${CMAKE_BINARY_DIR}/Packaging/installed\")")
+install(CODE [[
+  set(VISTREL_COMMAND "${CMAKE_INSTALL_PREFIX}/bin/vistrel")
+  set(is_archive FALSE)
+  if(VISTREL_COMMAND MATCHES "/_CPack_Packages/")
+    set(VISTREL_COMMAND vistrel)
+    set(is_archive TRUE)
+  endif()
+  configure_file("${resources}/com.orvane.Vistrel.desktop.in" "${configured}/com.orvane.Vistrel.desktop" @ONLY)
+  file(INSTALL "${configured}/com.orvane.Vistrel.desktop"
+    DESTINATION "${CMAKE_INSTALL_PREFIX}/share/applications" TYPE FILE)
+  if(NOT is_archive)
+    configure_file("${resources}/com.orvane.Vistrel.service.in" "${configured}/com.orvane.Vistrel.service" @ONLY)
+    file(INSTALL "${configured}/com.orvane.Vistrel.service"
+      DESTINATION "${CMAKE_INSTALL_PREFIX}/share/dbus-1/services" TYPE FILE)
+  endif()
 ]])
 
 # Last: the list of everything above. The updater replaces a folder only if it holds nothing else.

@@ -49,6 +49,15 @@ void ResidentProgram::saveAtExit() {
     saved->defaults.synchronize();
 }
 
+void ResidentProgram::activate(const Activation& wanted) {
+    switch (wanted.purpose) {
+    case Activation::Purpose::comeForward:
+        return comeForward();
+    case Activation::Purpose::capture:
+        return controller.captureAsked();
+    }
+}
+
 void ResidentProgram::comeForward() {
     // What is being drawn is not thrown away for a second start.
     if (coordinator && coordinator->busy())

@@ -19,6 +19,7 @@
 #include "VistrelPlatform/Freedesktop/PortalScreenAccess.h"
 #include "VistrelPlatform/Freedesktop/ShareDesktopServices.h"
 #include "VistrelPlatform/Freedesktop/StatusNotifierHost.h"
+#include "VistrelPlatform/RunningInstance.h"
 #include "VistrelPlatform/System/FileUserDefaults.h"
 #include "VistrelPlatform/System/Paths.h"
 #include "VistrelPlatform/X11/X11HotKeyBackend.h"
@@ -36,10 +37,11 @@ public:
     ~ResidentProgram();
 
     int run();
-    /// The desktop, or another start, asks the program to come forward.
-    void comeForward();
+    /// The desktop, or another start, asks for something.
+    void activate(const Activation& wanted);
 
 private:
+    void comeForward();
     AppController::Services services(QStringList commandLine);
     bool mayCapture() const { return display.capturer.hasPermission() && (!portal || portal->isGranted()); }
     ScreenAccessRequest screenAccess();

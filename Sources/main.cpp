@@ -147,23 +147,36 @@ public:
             Console::standard());
     }
 
+    int operator()(const CommandLineMode::Capture&) {
+        const auto claim = DesktopRunningInstance::environmentOptions(Activation::Purpose::capture);
+        // Before the toolkit, whose start would take longer than the capture.
+        const QString asking = QStringLiteral("asking");
+        const bool asked = DesktopRunningInstance::askRunning(
+            QDBusConnection::connectToBus(QDBusConnection::SessionBus, asking), claim);
+        QDBusConnection::disconnectFromBus(asking);
+        return asked ? 0 : reside(claim);
+    }
+
     int operator()(const CommandLineMode::Resident&) {
+        return reside(DesktopRunningInstance::environmentOptions(Activation::Purpose::comeForward));
+    }
+
+private:
+    int reside(const DesktopRunningInstance::Options& claim) {
         if (!isDisplayReachable())
             return reportMissingDisplay();
-        const DesktopRunningInstance::Options claim = DesktopRunningInstance::environmentOptions();
         const DisplayApplication<QApplication> application(toolkit);
         QApplication::setQuitOnLastWindowClosed(false);
         DesktopRunningInstance instance(QDBusConnection::sessionBus(), claim);
         if (!instance.claim())
             return 0;
         ResidentProgram program(arguments);
-        instance.onActivated = [&program](const QString&) { program.comeForward(); };
+        instance.onActivated = [&program](const Activation& wanted) { program.activate(wanted); };
         const int status = program.run();
         instance.onActivated = nullptr;
         return status;
     }
 
-private:
     QStringList arguments;
     ToolkitArguments toolkit;
 };

@@ -1,8 +1,19 @@
 #pragma once
 
-#include <QStringList>
+#include <QString>
 
 #include <functional>
+
+/// What another start, or the desktop, asks of the running program.
+struct Activation {
+    enum class Purpose { comeForward, capture };
+
+    Purpose purpose = Purpose::comeForward;
+    /// The desktop's permission to come forward, empty when it gave none.
+    QString token;
+
+    friend bool operator==(const Activation&, const Activation&) = default;
+};
 
 /// Makes sure that one user session runs one of us. Main thread.
 class RunningInstance {
@@ -14,10 +25,8 @@ public:
     virtual ~RunningInstance() = default;
 
     /// True when this process is the one from now on. False when another one is; that one has then been
-    /// asked to come forward, and this process should end with status 0. Never waits long.
+    /// asked for what this one was started for, and this process should end with status 0. Never waits long.
     virtual bool claim() = 0;
 
-    /// Another start, or the desktop, asked this process to come forward. `token` is the desktop's
-    /// permission to do so, empty when it gave none.
-    std::function<void(const QString& token)> onActivated;
+    std::function<void(const Activation&)> onActivated;
 };

@@ -188,6 +188,19 @@ TEST(CaptureFlow, ASecondStartEscapeAndABusyShortcutLeaveOneProgramAndNoOutput) 
     EXPECT_FALSE(QFile::exists(vistrel.journalFolder() + u"/active-session.json"_s));
 }
 
+TEST(CaptureFlow, ACommandCapturesInTheRunningProgramAndStartsItWhenNoneRuns) {
+    for (const bool bus : {true, false}) {
+        VistrelOnDesktop vistrel(bus ? desktopWithBus() : plainDesktop());
+        vistrel.launch({u"--capture"_s});
+        ASSERT_TRUE(vistrel.waitFor("captureReady") && vistrel.closeCapture()) << bus;
+        EXPECT_EQ(vistrel.runAgain({u"--capture"_s}), 0);
+        ASSERT_TRUE(vistrel.waitFor("captureReady", 2)) << bus;
+        EXPECT_EQ(vistrel.runAgain({u"--capture"_s}), 0);
+        ASSERT_TRUE(vistrel.waitFor("captureBusy") && vistrel.closeCapture()) << bus;
+        EXPECT_EQ(vistrel.end(), 0);
+    }
+}
+
 TEST(CaptureFlow, SavesByKeyboardAndKeepsEverythingOnCancelAndFailure) {
     VistrelOnDesktop vistrel;
     const QImage desktop = noise({1280, 720});

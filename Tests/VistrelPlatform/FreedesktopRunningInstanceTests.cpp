@@ -18,6 +18,13 @@ using namespace std::chrono_literals;
 
 namespace {
 
+Activation forward(const char* token = "") {
+    return {Activation::Purpose::comeForward, QString::fromLatin1(token)};
+}
+Activation capture(const char* token) {
+    return {Activation::Purpose::capture, QString::fromLatin1(token)};
+}
+
 /// Runs `work` in another thread while this one goes on answering.
 template<class Work>
 auto meanwhile(Work work) {
@@ -58,22 +65,22 @@ class RunningInstanceTest : public testing::Test {
 protected:
     QString socketPath() const { return *Paths::runtime() + u"/instance.socket"_s; }
     std::unique_ptr<DesktopRunningInstance> start(const QDBusConnection& connection,
-                                                  const QString& token = {}) {
+                                                  const Activation& wanted = {}) {
         auto instance = std::make_unique<DesktopRunningInstance>(
-            connection, DesktopRunningInstance::Options{.patience = 20s, .token = token});
-        instance->onActivated = [this](const QString& received) { tokens.append(received); };
+            connection, DesktopRunningInstance::Options{.patience = 20s, .wanted = wanted});
+        instance->onActivated = [this](const Activation& received) { heard.append(received); };
         return instance;
     }
     /// A start that the holder, living in this thread, can answer.
-    bool laterStartClaims(const QDBusConnection& connection, const QString& token = {}) {
-        return meanwhile([&] { return start(connection, token)->claim(); });
+    bool laterStartClaims(const QDBusConnection& connection, const Activation& wanted = {}) {
+        return meanwhile([&] { return start(connection, wanted)->claim(); });
     }
 
     QTemporaryDir runtime;
     ScopedEnvironment environment{"XDG_RUNTIME_DIR", QFile::encodeName(runtime.path())};
     ShareTestBus bus;
     const QDBusConnection noBus{QString()};
-    QStringList tokens;
+    QList<Activation> heard;
 };
 
 } // namespace
@@ -84,9 +91,10 @@ TEST_F(RunningInstanceTest, WithoutABusTheSecondStartActivatesTheFirstUntilThatE
     writeFile(*Paths::runtime() + u"/instance.lock"_s, {});
     auto first = start(noBus);
     ASSERT_TRUE(first->claim());
-    EXPECT_FALSE(laterStartClaims(noBus, u"token 1"_s));
+    EXPECT_FALSE(laterStartClaims(noBus, forward("token 1")));
     EXPECT_FALSE(laterStartClaims(noBus));
-    EXPECT_EQ(tokens, (QStringList{u"token 1"_s, QString()}));
+    EXPECT_FALSE(laterStartClaims(noBus, capture("token 2")));
+    EXPECT_EQ(heard, (QList{forward("token 1"), forward(), capture("token 2")}));
     first.reset();
     EXPECT_FALSE(QFile::exists(socketPath()));
     EXPECT_TRUE(start(noBus)->claim());
@@ -98,9 +106,9 @@ TEST_F(RunningInstanceTest, OnTheBusThePlaceIsOneForAllRuntimeFolders) {
     const QTemporaryDir elsewhere;
     {
         const ScopedEnvironment other("XDG_RUNTIME_DIR", QFile::encodeName(elsewhere.path()));
-        EXPECT_FALSE(laterStartClaims(bus.peer(), u"t"_s));
+        EXPECT_FALSE(laterStartClaims(bus.peer(), capture("t")));
     }
-    EXPECT_EQ(tokens, QStringList{u"t"_s});
+    EXPECT_EQ(heard, QList{capture("t")});
     EXPECT_FALSE(QFile::exists(elsewhere.filePath(u"Vistrel/instance.socket"_s)));
     first.reset();
     EXPECT_TRUE(start(bus.peer())->claim());
@@ -127,12 +135,18 @@ TEST_F(RunningInstanceTest, TheDesktopCanCallIt) {
     call("Activate", {data});
     call("Open", {QStringList{u"file:///a"_s}, QVariantMap()});
     call("ActivateAction", {u"capture"_s, QVariantList(), both});
-    EXPECT_EQ(tokens, (QStringList{u"id"_s, QString(), u"newer"_s}));
+    call("ActivateAction", {u"unheard-of"_s, QVariantList(), both});
+    EXPECT_EQ(heard, (QList{forward("id"), forward(), capture("newer")}));
+
+    const DesktopRunningInstance::Options asking{.patience = 20s, .wanted = capture("token")};
+    EXPECT_TRUE(meanwhile([&] { return DesktopRunningInstance::askRunning(bus.peer(), asking); }));
+    EXPECT_EQ(heard.last(), capture("token"));
+    EXPECT_FALSE(DesktopRunningInstance::askRunning(noBus, asking));
 }
 
 TEST_F(RunningInstanceTest, StrangeVisitorsDoNoHarm) {
     InstanceLock lock(*Paths::runtime());
-    lock.onActivated = [this](const QString& token) { tokens.append(token); };
+    lock.onActivated = [this](const Activation& wanted) { heard.append(wanted); };
     ASSERT_EQ(lock.acquire(), InstanceLock::Outcome::acquired);
     InstanceLock second(*Paths::runtime());
     EXPECT_EQ(second.acquire(), InstanceLock::Outcome::heldByAnother);
@@ -146,17 +160,17 @@ TEST_F(RunningInstanceTest, StrangeVisitorsDoNoHarm) {
     endless.say(QByteArray(5000, 'a'));
     EXPECT_TRUE(Stranger(socketPath()).connects()) << "and goes at once";
     slow.say("activ");
-    EXPECT_TRUE(meanwhile([&] { return second.activateHolder("good", 20s); }));
+    EXPECT_TRUE(meanwhile([&] { return second.activateHolder(capture("good"), 20s); }));
     slow.say("ate in two parts\n");
-    EXPECT_TRUE(waitUntil([&] { return tokens.size() == 2; }));
-    EXPECT_EQ(tokens, (QStringList{u"good"_s, u"in two parts"_s}));
+    EXPECT_TRUE(waitUntil([&] { return heard.size() == 2; }));
+    EXPECT_EQ(heard, (QList{capture("good"), forward("in two parts")}));
 }
 
 TEST_F(RunningInstanceTest, AHolderThatDoesNotAnswerIsNotWaitedFor) {
     const auto first = start(noBus);
     ASSERT_TRUE(first->claim());
     // The holder is this thread, which cannot answer meanwhile.
-    DesktopRunningInstance second(noBus, {.patience = 30ms, .token = u"late"_s});
+    DesktopRunningInstance second(noBus, {.patience = 30ms, .wanted = forward("late")});
     EXPECT_FALSE(second.claim());
-    EXPECT_TRUE(waitUntil([&] { return tokens == QStringList{u"late"_s}; }));
+    EXPECT_TRUE(waitUntil([&] { return heard == QList{forward("late")}; }));
 }

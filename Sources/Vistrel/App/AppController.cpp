@@ -50,6 +50,8 @@ void AppController::applicationDidFinishLaunching() {
         hideWindows();
         session().beginPreview();
     }
+    if (services.arguments.contains(QStringLiteral("--capture")))
+        captureAsked();
 }
 
 void AppController::applicationDidBecomeActive() {
@@ -87,6 +89,10 @@ void AppController::hotKeyPressed(CaptureTime::Instant instant) {
 
 void AppController::captureNow() {
     hideWindows();
+    session().begin(CaptureTime::now(), nullptr);
+}
+
+void AppController::captureAsked() {
     session().begin(CaptureTime::now(), nullptr);
 }
 

@@ -97,6 +97,8 @@ public:
     void setupWindowWillClose();
 
     void captureNow();
+    /// A desktop's binding asks for a capture: as the shortcut does, whatever of ours is open.
+    void captureAsked();
     void showSettings();
     void toggleLaunchAtLogin();
     void openLoginItems();

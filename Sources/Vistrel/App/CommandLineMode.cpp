@@ -84,6 +84,8 @@ Mode parse(const QStringList& arguments) {
         return EnableLaunchAtLogin{};
     if (arguments.contains(QStringLiteral("--diagnostics")))
         return PrintDiagnostics{};
+    if (arguments.contains(QStringLiteral("--capture")))
+        return Capture{};
     return Resident{};
 }
 

@@ -42,6 +42,10 @@ struct EnableLaunchAtLogin {
 struct PrintDiagnostics {
     friend bool operator==(const PrintDiagnostics&, const PrintDiagnostics&) = default;
 };
+/// Captures in the running program, or starts it and captures.
+struct Capture {
+    friend bool operator==(const Capture&, const Capture&) = default;
+};
 /// No mode at all: the resident program.
 struct Resident {
     friend bool operator==(const Resident&, const Resident&) = default;
@@ -56,7 +60,7 @@ struct UsageError {
 };
 
 using Mode = std::variant<CheckUpdateFeed, BenchmarkCapture, LastCaptureTiming, ExportIconset, ProfileBuffer,
-                          EnableLaunchAtLogin, PrintDiagnostics, Resident, UsageError>;
+                          EnableLaunchAtLogin, PrintDiagnostics, Capture, Resident, UsageError>;
 
 /// The first mode, in a fixed order, that the list asks for. Unknown arguments are ignored.
 Mode parse(const QStringList& arguments);

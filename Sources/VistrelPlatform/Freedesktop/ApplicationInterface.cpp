@@ -3,9 +3,14 @@
 namespace {
 const QString activationToken = QStringLiteral("activation-token");
 const QString startupID = QStringLiteral("desktop-startup-id");
+
+QString tokenIn(const QVariantMap& platformData) {
+    const QString token = platformData.value(activationToken).toString();
+    return token.isEmpty() ? platformData.value(startupID).toString() : token;
+}
 } // namespace
 
-ApplicationInterface::ApplicationInterface(QObject* object, std::function<void(const QString&)> activated)
+ApplicationInterface::ApplicationInterface(QObject* object, std::function<void(const Activation&)> activated)
     : QDBusAbstractAdaptor(object), onActivated(std::move(activated)) {}
 
 QVariantMap ApplicationInterface::platformData(const QString& token) {
@@ -13,15 +18,15 @@ QVariantMap ApplicationInterface::platformData(const QString& token) {
 }
 
 void ApplicationInterface::Activate(const QVariantMap& platformData) {
-    const QString token = platformData.value(activationToken).toString();
-    onActivated(token.isEmpty() ? platformData.value(startupID).toString() : token);
+    onActivated({Activation::Purpose::comeForward, tokenIn(platformData)});
 }
 
 void ApplicationInterface::Open(const QStringList&, const QVariantMap& platformData) {
     Activate(platformData);
 }
 
-void ApplicationInterface::ActivateAction(const QString&, const QVariantList&,
+void ApplicationInterface::ActivateAction(const QString& name, const QVariantList&,
                                           const QVariantMap& platformData) {
-    Activate(platformData);
+    if (name == captureAction)
+        onActivated({Activation::Purpose::capture, tokenIn(platformData)});
 }

@@ -25,16 +25,16 @@ QDBusMessage busCall(const QString& method) {
 
 } // namespace
 
-DesktopRunningInstance::Options DesktopRunningInstance::environmentOptions() {
+DesktopRunningInstance::Options DesktopRunningInstance::environmentOptions(Activation::Purpose purpose) {
     const QString token = qEnvironmentVariable("XDG_ACTIVATION_TOKEN");
-    return {.token = token.isEmpty() ? qEnvironmentVariable("DESKTOP_STARTUP_ID") : token};
+    return {.wanted = {purpose, token.isEmpty() ? qEnvironmentVariable("DESKTOP_STARTUP_ID") : token}};
 }
 
 DesktopRunningInstance::DesktopRunningInstance(QDBusConnection sessionBus, Options claimOptions)
     : bus(std::move(sessionBus)), options(std::move(claimOptions)) {
-    new ApplicationInterface(&object, [this](const QString& token) {
+    new ApplicationInterface(&object, [this](const Activation& wanted) {
         if (onActivated)
-            onActivated(token);
+            onActivated(wanted);
     });
 }
 
@@ -53,20 +53,20 @@ bool DesktopRunningInstance::claim() {
         qCWarning(vistrelLog).noquote() << "No runtime folder:" << folder.error().description;
     if (folder) {
         lock = std::make_unique<InstanceLock>(*folder);
-        lock->onActivated = [this](const QString& token) {
+        lock->onActivated = [this](const Activation& wanted) {
             if (onActivated)
-                onActivated(token);
+                onActivated(wanted);
         };
         if (lock->acquire() == InstanceLock::Outcome::heldByAnother) {
-            if (!lock->activateHolder(options.token.toUtf8(), options.patience))
-                activateOverBus();
+            if (!lock->activateHolder(options.wanted, options.patience))
+                askRunning(bus, options);
             return false;
         }
     }
     // Another runtime folder does not make another session: the bus has the last word.
     if (requestName() == Name::taken) {
         lock.reset();
-        activateOverBus();
+        askRunning(bus, options);
         return false;
     }
     return true;
@@ -88,12 +88,18 @@ DesktopRunningInstance::Name DesktopRunningInstance::requestName() {
     return answer == exists ? Name::taken : Name::unavailable;
 }
 
-void DesktopRunningInstance::activateOverBus() {
-    if (!bus.isConnected())
-        return;
-    QDBusMessage activate = QDBusMessage::createMethodCall(
-        name, path, QStringLiteral("org.freedesktop.Application"), QStringLiteral("Activate"));
-    activate << ApplicationInterface::platformData(options.token);
-    activate.setAutoStartService(false);
-    bus.call(activate, QDBus::Block, static_cast<int>(options.patience.count()));
+bool DesktopRunningInstance::askRunning(const QDBusConnection& sessionBus, const Options& options) {
+    if (!sessionBus.isConnected())
+        return false;
+    const bool capture = options.wanted.purpose == Activation::Purpose::capture;
+    QDBusMessage request = QDBusMessage::createMethodCall(
+        name, path, QStringLiteral("org.freedesktop.Application"),
+        capture ? QStringLiteral("ActivateAction") : QStringLiteral("Activate"));
+    if (capture)
+        request << ApplicationInterface::captureAction << QVariantList();
+    request << ApplicationInterface::platformData(options.wanted.token);
+    request.setAutoStartService(false);
+    const QDBusMessage reply =
+        sessionBus.call(request, QDBus::Block, static_cast<int>(options.patience.count()));
+    return reply.type() == QDBusMessage::ReplyMessage;
 }

@@ -17,12 +17,16 @@ public:
     struct Options {
         /// How long a holder, and the bus, may take to answer.
         std::chrono::milliseconds patience = std::chrono::seconds(1);
-        /// The permission to come forward that this process was started with.
-        QString token;
+        /// What to ask of a process that runs already.
+        Activation wanted;
     };
 
     /// The token is the environment's, which the toolkit takes away: make this before the application.
-    static Options environmentOptions();
+    static Options environmentOptions(Activation::Purpose purpose);
+
+    /// Asks a process that is on the bus already, in one call, without waiting for a name or a lock. False
+    /// when there is none, or it did not answer in time.
+    static bool askRunning(const QDBusConnection& sessionBus, const Options& options);
 
     /// `sessionBus` may be one that is not connected.
     DesktopRunningInstance(QDBusConnection sessionBus, Options claimOptions);
@@ -34,7 +38,6 @@ private:
     enum class Name { ours, taken, unavailable };
 
     Name requestName();
-    void activateOverBus();
 
     QDBusConnection bus;
     Options options;

@@ -17,11 +17,21 @@ namespace {
 
 using namespace std::chrono_literals;
 
-const QByteArray request = "activate ";
+/// A request is one of these, the token and the end of the line.
+const QByteArray comeForwardRequest = "activate ";
+const QByteArray captureRequest = "capture ";
 const QByteArray answer = "ok\n";
 constexpr qsizetype longestRequest = 1024;
 constexpr auto visitorPatience = 2s;
 constexpr auto retryInterval = 10ms;
+
+std::optional<Activation> wantedBy(const QByteArray& request) {
+    for (const auto& [word, purpose] : {std::pair(comeForwardRequest, Activation::Purpose::comeForward),
+                                        std::pair(captureRequest, Activation::Purpose::capture)})
+        if (request.startsWith(word))
+            return Activation{purpose, QString::fromUtf8(request.mid(word.size()).trimmed())};
+    return std::nullopt;
+}
 
 bool isThisUser(int socket) {
     ucred peer{};
@@ -39,7 +49,7 @@ bool fillAddress(sockaddr_un& address, const QByteArray& path) {
     return true;
 }
 
-/// One who knocked. Ends itself when it has been heard, or has kept silent for too long.
+/// One connection to the socket. Ends itself when it has been heard, or has kept silent for too long.
 class Visitor : public QObject {
 public:
     Visitor(FileDescriptor connected, InstanceLock& host)
@@ -64,11 +74,12 @@ private:
             return;
         notifier.setEnabled(false);
         deleteLater();
-        if (!complete || !heard.startsWith(request))
+        const std::optional<Activation> wanted = complete ? wantedBy(heard) : std::nullopt;
+        if (!wanted)
             return;
         ::send(socket.get(), answer.constData(), static_cast<size_t>(answer.size()), MSG_NOSIGNAL);
         if (place.onActivated)
-            place.onActivated(QString::fromUtf8(heard.mid(request.size()).trimmed()));
+            place.onActivated(*wanted);
     }
 
     FileDescriptor socket;
@@ -146,11 +157,13 @@ void InstanceLock::admitVisitor() {
         new Visitor(std::move(socket), *this);
 }
 
-bool InstanceLock::activateHolder(const QByteArray& token, std::chrono::milliseconds patience) const {
+bool InstanceLock::activateHolder(const Activation& wanted, std::chrono::milliseconds patience) const {
     const FileDescriptor socket = connectedTo(socketPath(), patience);
     if (!socket.isOpen() || !isThisUser(socket.get()))
         return false;
-    const QByteArray message = request + token.simplified() + '\n';
+    const bool capture = wanted.purpose == Activation::Purpose::capture;
+    const QByteArray message =
+        (capture ? captureRequest : comeForwardRequest) + wanted.token.toUtf8().simplified() + '\n';
     if (::send(socket.get(), message.constData(), static_cast<size_t>(message.size()), MSG_NOSIGNAL) !=
         message.size())
         return false;

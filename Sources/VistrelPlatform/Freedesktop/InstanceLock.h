@@ -1,5 +1,6 @@
 #pragma once
 
+#include "VistrelPlatform/RunningInstance.h"
 #include "VistrelPlatform/System/FileDescriptor.h"
 
 #include <QObject>
@@ -11,7 +12,7 @@
 class QSocketNotifier;
 
 /// The place of the one running process of this user: a locked file, which the system frees when its
-/// holder dies however it dies, and a socket beside it on which the holder can be asked to come forward.
+/// holder dies however it dies, and a socket beside it on which the holder can be asked for something.
 /// Main thread. The folder must be one that only this user can enter.
 class InstanceLock : public QObject {
     Q_OBJECT
@@ -22,10 +23,10 @@ public:
     ~InstanceLock() override;
 
     Outcome acquire();
-    /// Asks the holder to come forward. False when it did not answer in time.
-    bool activateHolder(const QByteArray& token, std::chrono::milliseconds patience) const;
+    /// False when the holder did not answer in time.
+    bool activateHolder(const Activation& wanted, std::chrono::milliseconds patience) const;
 
-    std::function<void(const QString& token)> onActivated;
+    std::function<void(const Activation&)> onActivated;
 
 private:
     QByteArray socketPath() const;

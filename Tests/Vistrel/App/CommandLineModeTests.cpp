@@ -29,6 +29,8 @@ const std::tuple<const char*, const char*, Mode> cases[] = {
     {"profile", "--profile-buffer 5120 2880 2 60", ProfileBuffer{5120, 2880, 2, 60}},
     {"profileWithThreeValuesFallsThrough", "--diagnostics --profile-buffer 1 2 3", PrintDiagnostics{}},
     {"profileOverflow", "--profile-buffer 9223372036854775808 1 1 1", profileError},
+    {"captureComesLast", "--capture --diagnostics", PrintDiagnostics{}},
+    {"captureBesideThePreview", "--preview-overlay --capture", Capture{}},
     {"loginWinsOverDiagnostics", "--diagnostics --enable-launch-at-login", EnableLaunchAtLogin{}},
 };
 
