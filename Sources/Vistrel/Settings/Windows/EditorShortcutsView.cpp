@@ -27,7 +27,6 @@ EditorShortcutsView::EditorShortcutsView(AppController& controller, std::functio
     QPushButton* done = makeButton(QStringLiteral("&Done"), QStringLiteral("shortcutsDone"), this);
     connect(done, &QPushButton::clicked, this, [onDone = std::move(onDone)] { onDone(); });
     addButtons({done});
-    setDefaultButton(done);
 }
 
 QLayout* EditorShortcutsView::captureRow(AppController& controller) {

@@ -1,6 +1,7 @@
 #include "Settings/Windows/PageView.h"
 
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QStyle>
 
 namespace {
@@ -10,12 +11,24 @@ constexpr int leastButtonWidth = 80;
 /// Styles leave little room around a text; these windows leave the same everywhere.
 class PageButton : public QPushButton {
 public:
-    using QPushButton::QPushButton;
+    PageButton(const QString& text, QWidget* parent) : QPushButton(text, parent) {
+        // The toolkit would make a button that has had the keyboard once the default of the whole window.
+        setAutoDefault(false);
+    }
 
     QSize sizeHint() const override {
         return QPushButton::sizeHint().expandedTo(makeRoom(*this, withoutMnemonic(text())));
     }
     QSize minimumSizeHint() const override { return sizeHint(); }
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override {
+        const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+        if (isReturn && !event->isAutoRepeat())
+            click();
+        else if (!isReturn)
+            QPushButton::keyPressEvent(event);
+    }
 };
 
 } // namespace

@@ -70,6 +70,13 @@ bool PanelWindow::eventFilter(QObject* watched, QEvent* event) {
     return QDialog::eventFilter(watched, event);
 }
 
+void PanelWindow::keyPressEvent(QKeyEvent* event) {
+    // A Return held down in one window must not press the default button of the next.
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (!isReturn || !event->isAutoRepeat())
+        QDialog::keyPressEvent(event);
+}
+
 void PanelWindow::bringToFront() {
     if (!placed) {
         placed = true;

@@ -73,7 +73,6 @@ QWidget* ProblemReportSettingsView::makeForm() {
         if (!model->working() && std::exchange(sendHadFocus, false))
             send->setFocus();
     });
-    setDefaultButton(send);
     auto* row = new QHBoxLayout;
     row->setContentsMargins(0, PageStyle::itemSpacing, 0, 0);
     row->setSpacing(PageStyle::groupSpacing);
@@ -121,5 +120,4 @@ void ProblemReportSettingsView::showThanks() {
     std::exchange(form, nullptr)->deleteLater();
     add(makeThanks());
     defaultButton()->setFocus();
-    Q_EMIT defaultButtonChanged();
 }

@@ -15,10 +15,6 @@ public:
                               QWidget* parent = nullptr);
     ~ProblemReportSettingsView() override;
 
-Q_SIGNALS:
-    /// The form gave way to the thanks.
-    void defaultButtonChanged();
-
 private:
     QWidget* makeForm();
     QWidget* makeThanks();
