@@ -237,6 +237,33 @@ TEST(ApplicationFlow, MonitorsThatSwapUnderTheSettingsWindowLeaveItReachable) {
     EXPECT_EQ(vistrel.count("displaysChanged"), 2) << "each settled change is one";
 }
 
+TEST(ApplicationFlow, EveryPageFitsASmallScreenOfAnyScale) {
+    const std::pair<QSize, QString> rows[] = {{{1366, 768}, u"screen=1.5"_s}, {{1920, 1080}, u"screen=2"_s}};
+    for (const auto& [screen, scale] : rows) {
+        SCOPED_TRACE(scale.toStdString());
+        Vistrel vistrel({.screenSize = screen, .scaleFactors = scale, .windowManager = true});
+        const auto fits = [&](const QString& title) {
+            vistrel.settled(QRect(QPoint(), screen), 5);
+            const auto window = vistrel.session.client().windowTitled(title);
+            // What the window manager puts above it belongs to it.
+            return window &&
+                   QRect(QPoint(0, 12), QPoint(screen.width(), screen.height())).contains(window->rect);
+        };
+        vistrel.start();
+        ASSERT_TRUE(vistrel.openSettings());
+        vistrel.key(cKey, Modifier::option); // Change…
+        ASSERT_TRUE(vistrel.opens(Vistrel::setupWindow));
+        vistrel.key(cKey, Modifier::option); // a custom shortcut
+        EXPECT_TRUE(fits(Vistrel::setupWindow));
+        vistrel.key(Key::escape);
+        ASSERT_TRUE(vistrel.opens(Vistrel::settingsWindow));
+        for (int tab = 0; tab < 4; ++tab) {
+            EXPECT_TRUE(fits(Vistrel::settingsWindow)) << tab;
+            vistrel.key(Key::rightArrow);
+        }
+    }
+}
+
 TEST(ApplicationFlow, ThePreviewShowsTheOverlayAndASecondStartLeavesItThere) {
     Vistrel vistrel;
     vistrel.program = vistrel.startProgram({u"--preview-overlay"_s});

@@ -33,9 +33,9 @@ protected:
 AppPanel::AppPanel(const QString& title, const QString& version, QWidget* parent)
     : QWidget(parent),
       heading(new TextLabel(title, PageStyle::TextRole::title, this)),
-      layout(new QVBoxLayout(this)) {
+      layout(new QVBoxLayout(this)),
+      footer(new QHBoxLayout) {
     setObjectName(QStringLiteral("appPanel"));
-    setFixedWidth(PageStyle::pageWidth(font()));
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
 
@@ -48,13 +48,24 @@ AppPanel::AppPanel(const QString& title, const QString& version, QWidget* parent
     heading->setObjectName(QStringLiteral("panelTitle"));
     layout->addLayout(header);
     layout->addWidget(PageStyle::divider(this));
+    footer->setSpacing(PageStyle::itemSpacing);
+    footer->addStretch();
+    footer->addStretch();
+    layout->addLayout(footer);
     if (version.isEmpty())
         return;
-    auto* footer = new TextLabel(QStringLiteral("Version ") + version, PageStyle::TextRole::note, this);
-    footer->setObjectName(QStringLiteral("panelVersion"));
-    footer->setAlignment(Qt::AlignCenter);
-    layout->addWidget(footer);
-    layout->addSpacing(PageStyle::groupSpacing);
+    auto* text = new TextLabel(QStringLiteral("Version ") + version, PageStyle::TextRole::note, this);
+    text->setObjectName(QStringLiteral("panelVersion"));
+    text->setWordWrap(false);
+    text->setAlignment(Qt::AlignVCenter);
+    addToFooter(text);
+}
+
+void AppPanel::addToFooter(QWidget* link) {
+    if (footer->count() == 2)
+        layout->insertWidget(layout->count() - 1, PageStyle::divider(this));
+    footer->insertWidget(footer->count() - 1, link);
+    footer->setContentsMargins(0, PageStyle::itemSpacing, 0, PageStyle::itemSpacing);
 }
 
 void AppPanel::setTitle(const QString& title) {
@@ -68,6 +79,6 @@ QString AppPanel::title() const {
 void AppPanel::setContent(QWidget* content) {
     delete shown;
     shown = content;
-    layout->insertWidget(contentIndex, content);
+    layout->insertWidget(contentIndex, content, 1);
     content->show();
 }

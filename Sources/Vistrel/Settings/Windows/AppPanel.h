@@ -3,11 +3,12 @@
 #include <QString>
 #include <QWidget>
 
+class QHBoxLayout;
 class QVBoxLayout;
 class TextLabel;
 
 /// The frame that settings and setup share: the program's glyph and a title above, the content, the
-/// version below. Its width is fixed by the system's font, its height follows the content.
+/// version below. The content gives way where the height is not enough for all.
 class AppPanel : public QWidget {
     Q_OBJECT
 public:
@@ -16,6 +17,8 @@ public:
 
     void setTitle(const QString& title);
     QString title() const;
+    /// Stands beside the version; takes ownership.
+    void addToFooter(QWidget* link);
     /// Takes ownership; what was there before is destroyed.
     void setContent(QWidget* content);
     QWidget* content() const { return shown; }
@@ -23,5 +26,6 @@ public:
 private:
     TextLabel* heading;
     QVBoxLayout* layout;
+    QHBoxLayout* footer;
     QWidget* shown = nullptr;
 };

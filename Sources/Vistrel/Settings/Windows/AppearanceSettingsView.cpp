@@ -57,7 +57,7 @@ AppearanceSettingsView::AppearanceSettingsView(Sources sources, std::function<vo
     addDivider();
     add(new DiagnosticHistorySettingsView(sources.journal, sources.defaults, this));
     addSpace(PageStyle::groupSpacing);
-    QPushButton* done = makeButton(QStringLiteral("&Done"), QStringLiteral("appearanceDone"), this);
+    QPushButton* done = new PageButton(QStringLiteral("&Done"), QStringLiteral("appearanceDone"), this);
     connect(done, &QPushButton::clicked, this, [onDone = std::move(onDone)] { onDone(); });
     addButtons({done});
     setDefaultButton(done);
@@ -80,7 +80,7 @@ void AppearanceSettingsView::addPanelSize(EditorPreferences& preferences) {
     value->setFixedWidth(
         std::max(percentWidth, value->fontMetrics().horizontalAdvance(percent(largestScale))));
     QPushButton* reset =
-        makeButton(QStringLiteral("Reset to &100%"), QStringLiteral("resetEditorPanelSize"), this);
+        new PageButton(QStringLiteral("Reset to &100%"), QStringLiteral("resetEditorPanelSize"), this);
 
     auto* row = new QHBoxLayout;
     row->setSpacing(PageStyle::itemSpacing);

@@ -33,7 +33,7 @@ DiagnosticHistorySettingsView::DiagnosticHistorySettingsView(LocalDiagnostics& j
     auto* row = new QHBoxLayout;
     row->setSpacing(PageStyle::groupSpacing);
     QPushButton* clear =
-        makeButton(QStringLiteral("Clear &History"), QStringLiteral("clearDiagnosticHistory"), this);
+        new PageButton(QStringLiteral("Clear &History"), QStringLiteral("clearDiagnosticHistory"), this);
     connect(clear, &QPushButton::clicked, &model, &DiagnosticHistoryModel::clear);
     auto* status = new TextLabel(QString(), TextRole::note, this);
     status->setObjectName(QStringLiteral("diagnosticHistoryStatus"));

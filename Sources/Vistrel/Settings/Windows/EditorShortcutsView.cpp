@@ -24,7 +24,7 @@ EditorShortcutsView::EditorShortcutsView(AppController& controller, std::functio
                        "enter characters. Escape first cancels text editing, then capture."),
         TextRole::note);
     addSpace(PageStyle::groupSpacing);
-    QPushButton* done = makeButton(QStringLiteral("&Done"), QStringLiteral("shortcutsDone"), this);
+    QPushButton* done = new PageButton(QStringLiteral("&Done"), QStringLiteral("shortcutsDone"), this);
     connect(done, &QPushButton::clicked, this, [onDone = std::move(onDone)] { onDone(); });
     addButtons({done});
 }
@@ -39,7 +39,7 @@ QLayout* EditorShortcutsView::captureRow(AppController& controller) {
     connect(&controller, &AppController::shortcutLabelChanged, current,
             [current, &controller] { current->setText(controller.shortcutLabel()); });
     QPushButton* change =
-        makeButton(QStringLiteral("&Change…"), QStringLiteral("changeCaptureShortcut"), this);
+        new PageButton(QStringLiteral("&Change…"), QStringLiteral("changeCaptureShortcut"), this);
     // Later: this page goes away with the window's content.
     connect(change, &QPushButton::clicked, &controller, &AppController::showCaptureShortcutSetup,
             Qt::QueuedConnection);

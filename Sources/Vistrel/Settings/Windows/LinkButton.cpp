@@ -1,21 +1,15 @@
 #include "Settings/Windows/LinkButton.h"
 
-#include "Settings/Windows/PageView.h"
+#include "Settings/Windows/PageStyle.h"
 
 #include <QStyleOptionFocusRect>
 #include <QStylePainter>
 
 LinkButton::LinkButton(const QString& text, const QString& objectName, QWidget* parent)
-    : QPushButton(text, parent) {
-    setObjectName(objectName);
-    setAccessibleName(withoutMnemonic(text));
+    : PageButton(text, objectName, parent) {
     setFlat(true);
     setCursor(Qt::PointingHandCursor);
     setAttribute(Qt::WA_Hover);
-}
-
-QSize LinkButton::sizeHint() const {
-    return makeRoom(*this, withoutMnemonic(text()));
 }
 
 void LinkButton::paintEvent(QPaintEvent*) {

@@ -1,14 +1,12 @@
 #pragma once
 
-#include <QPushButton>
+#include "Settings/Windows/PageButton.h"
 
 /// A button that looks like a link.
-class LinkButton : public QPushButton {
+class LinkButton : public PageButton {
     Q_OBJECT
 public:
     LinkButton(const QString& text, const QString& objectName, QWidget* parent = nullptr);
-
-    QSize sizeHint() const override;
 
 protected:
     void paintEvent(QPaintEvent* event) override;

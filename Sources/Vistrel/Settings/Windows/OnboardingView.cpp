@@ -1,10 +1,10 @@
 #include "Settings/Windows/OnboardingView.h"
 
 #include "App/AppController.h"
+#include "Settings/Windows/PageScroller.h"
 #include "Settings/Windows/PrivacyPolicyView.h"
 #include "Settings/Windows/ScreenAccessPage.h"
 #include "Settings/Windows/ScreenshotShortcutSettings.h"
-#include "Updates/UpdateService.h"
 
 OnboardingView::OnboardingView(const PanelSources& given, QWidget* parent)
     : AppPanel(QString(), given.version(), parent), sources(given) {
@@ -33,19 +33,10 @@ void OnboardingView::showStep() {
     shownStep = step;
     if (step == OnboardingFlow::Step::screenAccess)
         shownPage = new ScreenAccessPage(
-            sources.controller, [this] { showPrivacy(); }, this);
+            sources.controller, [this] { PrivacyPolicyView::open(sources, *this); }, this);
     else
         shownPage = new ScreenshotShortcutSettings(sources, this);
-    setContent(shownPage);
-}
-
-bool OnboardingView::showingPrivacy() const {
-    return findChild<PrivacyPolicyView*>() != nullptr;
-}
-
-void OnboardingView::showPrivacy() {
-    const QString maker = sources.bundle.string(ApplicationBundle::makerKey).value_or(QString());
-    auto* sheet = new PrivacyPolicyView({sources.controller.updates().updateHost(), maker}, this);
-    sheet->setAttribute(Qt::WA_DeleteOnClose);
-    sheet->open();
+    auto* scroller = new PageScroller(this);
+    scroller->setPage(shownPage);
+    setContent(scroller);
 }

@@ -13,12 +13,10 @@ public:
     explicit OnboardingView(const PanelSources& given, QWidget* parent = nullptr);
 
     PageView* page() const { return shownPage; }
-    bool showingPrivacy() const;
 
 private:
     void refreshTitle();
     void showStep();
-    void showPrivacy();
 
     const PanelSources& sources;
     std::optional<OnboardingFlow::Step> shownStep;

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "Settings/Windows/PageButton.h"
 #include "Settings/Windows/PageStyle.h"
 
-#include <QPushButton>
 #include <QVBoxLayout>
 
 /// What every page is made of: a column on the grid, and the button that Return presses.
@@ -30,11 +30,5 @@ private:
     QPushButton* preferred = nullptr;
 };
 
-/// The text as it is read: without the sign before the letter that Alt presses.
-QString withoutMnemonic(QString text);
-/// The size that a button needs for a text, with room around it.
-QSize makeRoom(const QPushButton& button, const QString& text);
-/// A button with its name for automation.
-QPushButton* makeButton(const QString& text, const QString& objectName, QWidget* parent);
 /// A row with a note that begins where the text of the box above it begins.
 QLayout* noteUnder(const QAbstractButton& box, const QString& text, QWidget* parent);

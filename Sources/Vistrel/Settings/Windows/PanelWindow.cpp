@@ -15,10 +15,8 @@
 
 namespace {
 
-/// Control is the desktop's habit, Super the key that the shortcuts are named after.
-QList<QKeySequence> withCommandKey(const QString& key) {
-    return {QKeySequence(QStringLiteral("Ctrl+") + key), QKeySequence(QStringLiteral("Meta+") + key)};
-}
+/// What window managers put around a window, as long as this one's are not known. Points.
+constexpr int frameAllowance = 40;
 
 } // namespace
 
@@ -31,7 +29,7 @@ PanelWindow::PanelWindow(const QString& title, AppController& owner) : controlle
                    Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint);
     auto* rows = new QVBoxLayout(this);
     rows->setContentsMargins(0, 0, 0, 0);
-    rows->setSizeConstraint(QLayout::SetFixedSize);
+    rows->setSizeConstraint(QLayout::SetNoConstraint);
 
     addCommand(QStringLiteral("Vistrel Settings…"), QStringLiteral(","), &AppController::showSettings);
     addCommand(QStringLiteral("Quit Vistrel"), QStringLiteral("Q"), &AppController::quit);
@@ -39,6 +37,14 @@ PanelWindow::PanelWindow(const QString& title, AppController& owner) : controlle
     close->setShortcuts(withCommandKey(QStringLiteral("W")));
     connect(close, &QAction::triggered, this, &PanelWindow::reject);
     addAction(close);
+}
+
+QList<QKeySequence> PanelWindow::withCommandKey(const QString& key) {
+    return {QKeySequence(QStringLiteral("Ctrl+") + key), QKeySequence(QStringLiteral("Meta+") + key)};
+}
+
+int PanelWindow::roomOn(const QScreen& screen, const QMargins& frame) {
+    return screen.availableGeometry().height() - std::max(frameAllowance, frame.top() + frame.bottom());
 }
 
 void PanelWindow::addCommand(const QString& text, const QString& key, void (AppController::*command)()) {
@@ -53,6 +59,28 @@ void PanelWindow::setPanel(AppPanel* panel) {
     delete shown;
     shown = panel;
     layout()->addWidget(panel);
+}
+
+void PanelWindow::fit() {
+    if (!shown)
+        return;
+    const QRect area = screen()->availableGeometry();
+    connect(screen(), &QScreen::availableGeometryChanged, this, &PanelWindow::fit, Qt::UniqueConnection);
+    const QMargins frame = windowHandle() ? windowHandle()->frameMargins() : QMargins();
+    const int width =
+        std::min(PageStyle::pageWidth(shown->font()), area.width() - frame.left() - frame.right());
+    shown->setFixedWidth(width);
+    setFixedSize(width, std::min(shown->heightForWidth(width), roomOn(*screen(), frame)));
+    // A page that is taller than the one before must not end below the screen.
+    if (const int below = frameGeometry().bottom() - area.bottom(); placed && below > 0)
+        move(x(), std::max(area.top(), y() - below));
+}
+
+bool PanelWindow::event(QEvent* event) {
+    const bool handled = QDialog::event(event);
+    if (event->type() == QEvent::LayoutRequest)
+        fit();
+    return handled;
 }
 
 bool PanelWindow::eventFilter(QObject* watched, QEvent* event) {
@@ -79,15 +107,17 @@ void PanelWindow::keyPressEvent(QKeyEvent* event) {
 
 void PanelWindow::bringToFront() {
     if (!placed) {
-        placed = true;
-        adjustSize();
+        fit();
         const QRect area = screen()->availableGeometry();
-        move(area.center() - rect().center());
+        move(area.left() + (area.width() - width()) / 2,
+             area.top() + std::max(0, (area.height() - height() - frameAllowance) / 2));
+        placed = true;
     }
     if (isMinimized())
         showNormal();
     show();
     windowHandle()->installEventFilter(this);
+    connect(windowHandle(), &QWindow::screenChanged, this, &PanelWindow::fit, Qt::UniqueConnection);
     raise();
     activateWindow();
 }

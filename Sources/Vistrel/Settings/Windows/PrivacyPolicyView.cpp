@@ -1,11 +1,16 @@
 #include "Settings/Windows/PrivacyPolicyView.h"
 
+#include "App/AppController.h"
 #include "Settings/Windows/PageStyle.h"
 #include "Settings/Windows/PageView.h"
+#include "Settings/Windows/PanelWindow.h"
+#include "Updates/UpdateService.h"
 
 #include <QFrame>
 #include <QHBoxLayout>
+#include <QScreen>
 #include <QScrollArea>
+#include <QShortcut>
 #include <QVBoxLayout>
 
 using PageStyle::TextRole;
@@ -56,12 +61,11 @@ PrivacyPolicyView::PrivacyPolicyView(const Publisher& publisher, QWidget* parent
     scroll->setWidgetResizable(true);
     scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     scroll->setFocusPolicy(Qt::StrongFocus);
-    scroll->setMinimumHeight(visibleHeight);
     scroll->setWidget(makeColumn(sections(publisher), scroll));
     layout->addWidget(scroll, 1);
     layout->addWidget(PageStyle::divider(this));
 
-    QPushButton* done = makeButton(QStringLiteral("&Done"), QStringLiteral("privacyDone"), this);
+    QPushButton* done = new PageButton(QStringLiteral("&Done"), QStringLiteral("privacyDone"), this);
     done->setDefault(true);
     connect(done, &QPushButton::clicked, this, &PrivacyPolicyView::accept);
     auto* buttons = new QHBoxLayout;
@@ -70,4 +74,15 @@ PrivacyPolicyView::PrivacyPolicyView(const Publisher& publisher, QWidget* parent
     buttons->addStretch();
     buttons->addWidget(done);
     layout->addLayout(buttons);
+    for (const QKeySequence& key : PanelWindow::withCommandKey(QStringLiteral("W")))
+        connect(new QShortcut(key, this), &QShortcut::activated, this, &PrivacyPolicyView::reject);
+    const int rest = layout->totalMinimumSize().height() - scroll->minimumSizeHint().height();
+    resize(width(), std::min(rest + visibleHeight, PanelWindow::roomOn(*screen())));
+}
+
+void PrivacyPolicyView::open(const PanelSources& sources, QWidget& over) {
+    const QString maker = sources.bundle.string(ApplicationBundle::makerKey).value_or(QString());
+    auto* sheet = new PrivacyPolicyView({sources.controller.updates().updateHost(), maker}, &over);
+    sheet->setAttribute(Qt::WA_DeleteOnClose);
+    sheet->QDialog::open();
 }

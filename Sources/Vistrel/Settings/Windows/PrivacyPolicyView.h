@@ -1,11 +1,13 @@
 #pragma once
 
+#include "Settings/Windows/PanelSources.h"
+
 #include <QDialog>
 #include <QStringList>
 
 #include <vector>
 
-/// The privacy policy as a sheet over the setup window.
+/// The privacy policy as a sheet over the window that it was called from.
 class PrivacyPolicyView : public QDialog {
     Q_OBJECT
 public:
@@ -18,6 +20,9 @@ public:
         QString updateHost;
         QString maker;
     };
+
+    /// Shows the running program's policy; the sheet goes away with `over`.
+    static void open(const PanelSources& sources, QWidget& over);
 
     explicit PrivacyPolicyView(const Publisher& publisher, QWidget* parent = nullptr);
 

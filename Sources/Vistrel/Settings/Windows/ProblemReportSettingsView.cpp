@@ -4,6 +4,7 @@
 #include "Settings/Windows/SettingsSymbols.h"
 
 #include <QHBoxLayout>
+#include <QPainter>
 #include <QPlainTextEdit>
 
 using PageStyle::TextRole;
@@ -12,6 +13,30 @@ namespace {
 
 constexpr int visibleLines = 4;
 constexpr int symbolSize = 24;
+
+/// Leaves its frame a point more: at fractional scales the text's background would cover two sides of it.
+/// The frame shows where the keyboard is, which not every style does.
+class CommentEditor : public QPlainTextEdit {
+public:
+    explicit CommentEditor(QWidget* parent) : QPlainTextEdit(parent) {
+        setViewportMargins(1, 1, 1, 1);
+        setBackgroundRole(QPalette::Base);
+        setAutoFillBackground(true);
+    }
+
+protected:
+    bool event(QEvent* event) override {
+        const bool handled = QPlainTextEdit::event(event);
+        if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut) {
+            update();
+        } else if (event->type() == QEvent::Paint && hasFocus()) {
+            QPainter painter(this);
+            painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
+            painter.drawRect(rect().adjusted(1, 1, -1, -1));
+        }
+        return handled;
+    }
+};
 
 } // namespace
 
@@ -38,7 +63,7 @@ QWidget* ProblemReportSettingsView::makeForm() {
         TextRole::body, box));
 
     auto* label = new TextLabel(QStringLiteral("Comment (optional)"), TextRole::body, box);
-    auto* comment = new QPlainTextEdit(box);
+    auto* comment = new CommentEditor(box);
     comment->setObjectName(QStringLiteral("problemReportComment"));
     comment->setAccessibleName(label->text());
     comment->setTabChangesFocus(true);
@@ -59,18 +84,22 @@ QWidget* ProblemReportSettingsView::makeForm() {
     auto* status = new TextLabel(model->status(), TextRole::note, box);
     status->setObjectName(QStringLiteral("problemReportStatus"));
     status->setAlignment(Qt::AlignLeading | Qt::AlignVCenter);
+    status->setAccessibleName(model->status());
     connect(model.get(), &ProblemReportModel::statusChanged, status, [status, this] {
         status->setText(model->status());
         status->setAccessibleName(model->status());
     });
-    QPushButton* send = makeButton(QStringLiteral("Send Report"), QStringLiteral("sendProblemReport"), box);
+    QPushButton* send =
+        new PageButton(QStringLiteral("Send Report"), QStringLiteral("sendProblemReport"), box);
+    send->setEnabled(model->canSend());
     connect(send, &QPushButton::clicked, model.get(), &ProblemReportModel::send);
     connect(model.get(), &ProblemReportModel::workingChanged, send, [send, this] {
-        // A disabled button loses the keyboard; a failed attempt gives it back.
-        if (model->working())
-            sendHadFocus = send->hasFocus();
+        // A disabled button loses the keyboard to whatever comes next, which a second press would act on.
+        // A failed attempt gives it back.
+        if (model->working() && send->hasFocus())
+            setFocus();
         send->setEnabled(!model->working());
-        if (!model->working() && std::exchange(sendHadFocus, false))
+        if (!model->working() && hasFocus())
             send->setFocus();
     });
     auto* row = new QHBoxLayout;
@@ -101,7 +130,7 @@ QWidget* ProblemReportSettingsView::makeThanks() {
     number->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     number->setFocusPolicy(Qt::StrongFocus);
     rows->addWidget(number);
-    QPushButton* close = makeButton(QStringLiteral("OK"), QStringLiteral("closeAfterProblemReport"), box);
+    QPushButton* close = new PageButton(QStringLiteral("OK"), QStringLiteral("closeAfterProblemReport"), box);
     connect(close, &QPushButton::clicked, this, [this] { onDone(); });
     setDefaultButton(close);
     auto* buttons = new QHBoxLayout;

@@ -23,5 +23,4 @@ private:
     std::unique_ptr<ProblemReportModel> model;
     std::function<void()> onDone;
     QWidget* form = nullptr;
-    bool sendHadFocus = false;
 };

@@ -45,7 +45,7 @@ ScreenAccessPage::ScreenAccessPage(AppController& owner, std::function<void()> s
         new LinkButton(QStringLiteral("Open System &Settings"), QStringLiteral("openSystemSettings"), this);
     connect(systemSettings, &QPushButton::clicked, this, &ScreenAccessPage::openSystemSettings);
     QPushButton* allow =
-        makeButton(QStringLiteral("&Allow Screen Capture"), QStringLiteral("allowScreenCapture"), this);
+        new PageButton(QStringLiteral("&Allow Screen Capture"), QStringLiteral("allowScreenCapture"), this);
     // Later: the answer may replace this page.
     connect(allow, &QPushButton::clicked, &controller, &AppController::requestPermission,
             Qt::QueuedConnection);
@@ -72,7 +72,7 @@ void ScreenAccessPage::addPrivacyRow(std::function<void()> showPrivacy) {
         TextRole::note, this));
     row->addLayout(texts, 1);
     QPushButton* policy =
-        makeButton(QStringLiteral("&Privacy Policy"), QStringLiteral("privacyPolicyButton"), this);
+        new PageButton(QStringLiteral("&Privacy Policy"), QStringLiteral("privacyPolicyButton"), this);
     connect(policy, &QPushButton::clicked, this, [showPrivacy = std::move(showPrivacy)] { showPrivacy(); });
     row->addWidget(policy, 0, Qt::AlignTop);
     add(row);
@@ -86,5 +86,6 @@ void ScreenAccessPage::openSystemSettings() {
 void ScreenAccessPage::refresh() {
     grantedRow->setVisible(controller.permissionGranted());
     instructions->setVisible(!controller.permissionGranted());
-    systemSettings->setVisible(controller.screenAccessSetupPending());
+    systemSettings->setVisible(controller.screenAccessSetupPending() &&
+                               controller.hasSettings(SettingsPage::screenRecording));
 }

@@ -36,7 +36,7 @@ ScreenshotShortcutSettings::ScreenshotShortcutSettings(const PanelSources& given
     addRecorder();
     addWarning();
     addSpace(PageStyle::margin);
-    applyButton = makeButton(QStringLiteral("&Apply"), QStringLiteral("applyCaptureShortcut"), this);
+    applyButton = new PageButton(QStringLiteral("&Apply"), QStringLiteral("applyCaptureShortcut"), this);
     connect(applyButton, &QPushButton::clicked, this, &ScreenshotShortcutSettings::apply);
     addButtons({applyButton});
     setDefaultButton(applyButton);
@@ -105,8 +105,8 @@ void ScreenshotShortcutSettings::addWarning() {
             "If macOS reserves your choice, change or disable it in Keyboard → Keyboard Shortcuts → "
             "Screenshots, then record it again. Vistrel does not change system shortcuts."),
         TextRole::note, warningRows));
-    QPushButton* open = makeButton(QStringLiteral("&Open macOS Keyboard Shortcuts"),
-                                   QStringLiteral("openKeyboardShortcuts"), warningRows);
+    QPushButton* open = new PageButton(QStringLiteral("&Open macOS Keyboard Shortcuts"),
+                                       QStringLiteral("openKeyboardShortcuts"), warningRows);
     connect(open, &QPushButton::clicked, this,
             [this] { controller.openSettings(SettingsPage::keyboardShortcuts); });
     rows->addWidget(open, 0, Qt::AlignLeading);

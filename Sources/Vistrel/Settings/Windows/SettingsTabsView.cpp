@@ -4,6 +4,7 @@
 #include "Reports/ProblemReportModel.h"
 #include "Settings/Windows/AppearanceSettingsView.h"
 #include "Settings/Windows/EditorShortcutsView.h"
+#include "Settings/Windows/PageScroller.h"
 #include "Settings/Windows/ProblemReportSettingsView.h"
 #include "Settings/Windows/SettingsTabBar.h"
 #include "Settings/Windows/UpdateSettingsView.h"
@@ -17,8 +18,9 @@ SettingsTabsView::SettingsTabsView(const PanelSources& given, SettingsTab initia
       onDone(std::move(done)),
       selected(initial),
       bar(new SettingsTabBar(this)),
-      rows(new QVBoxLayout(this)) {
+      scroller(new PageScroller(this)) {
     using SettingsSymbols::Symbol;
+    auto* rows = new QVBoxLayout(this);
     rows->setContentsMargins(0, 0, 0, 0);
     rows->setSpacing(0);
     bar->setObjectName(QStringLiteral("settingsTabs"));
@@ -31,6 +33,8 @@ SettingsTabsView::SettingsTabsView(const PanelSources& given, SettingsTab initia
     rows->addWidget(bar, 0, Qt::AlignHCenter);
     rows->addSpacing(PageStyle::itemSpacing);
     rows->addWidget(PageStyle::divider(this));
+    rows->addWidget(scroller, 1);
+    setFocusProxy(bar);
     bar->setCurrentIndex(static_cast<int>(initial));
     connect(bar, &QTabBar::currentChanged, this,
             [this](int index) { show(static_cast<SettingsTab>(index)); });
@@ -53,10 +57,8 @@ void SettingsTabsView::select(SettingsTab tab) {
 
 void SettingsTabsView::show(SettingsTab tab) {
     selected = tab;
-    delete shown;
     shown = makePage(tab);
-    rows->addWidget(shown);
-    shown->show();
+    scroller->setPage(shown);
     if (shown->defaultButton())
         shown->defaultButton()->setDefault(true);
 }

@@ -7,7 +7,7 @@
 
 #include <functional>
 
-class QVBoxLayout;
+class PageScroller;
 class PageView;
 class SettingsTabBar;
 
@@ -34,6 +34,6 @@ private:
     std::function<void()> onDone;
     SettingsTab selected;
     SettingsTabBar* bar;
-    QVBoxLayout* rows;
+    PageScroller* scroller;
     PageView* shown = nullptr;
 };

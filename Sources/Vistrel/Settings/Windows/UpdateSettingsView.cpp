@@ -31,7 +31,7 @@ UpdateSettingsView::UpdateSettingsView(UpdateService& updates, QWidget* parent) 
     addSpace(PageStyle::groupSpacing);
 
     QPushButton* check =
-        makeButton(QStringLiteral("Check for Updates…"), QStringLiteral("checkForUpdates"), this);
+        new PageButton(QStringLiteral("Check for Updates…"), QStringLiteral("checkForUpdates"), this);
     check->setEnabled(updates.canCheck());
     connect(&updates, &UpdateService::canCheckChanged, check,
             [check, &updates] { check->setEnabled(updates.canCheck()); });
