@@ -16,6 +16,8 @@ ResidentProgram::ResidentProgram(QStringList commandLine)
     updates.mayCheckUnasked = [this] { return !controller.needsSetup(); };
     updates.mayInterrupt = [this] { return !coordinator || !coordinator->busy(); };
     updates.onQuit = [this] { controller.quit(); };
+    QObject::connect(&controller, &AppController::onboardingCompleted, &controller,
+                     [this] { sayWhereTheProgramIs(); });
     QObject::connect(&signals, &TerminationSignals::received, &controller, &AppController::quit);
     QObject::connect(qApp, &QGuiApplication::applicationStateChanged, &controller,
                      [this](Qt::ApplicationState state) {
@@ -74,6 +76,15 @@ void ResidentProgram::comeForward() {
         controller.showSettings();
 }
 
+void ResidentProgram::sayWhereTheProgramIs() {
+    if (statusItem.isReachable())
+        return;
+    notice.tell({.text = QStringLiteral("Vistrel is running"),
+                 .details = QStringLiteral("Press %1 to take a screenshot. This desktop shows no status "
+                                           "items: start Vistrel once more to see its settings.")
+                                .arg(controller.shortcutLabel())});
+}
+
 AppController::Services ResidentProgram::services(QStringList commandLine) {
     return {.preferences = preferences,
             .defaults = defaults,
@@ -116,10 +127,7 @@ AppController::Presentation ResidentProgram::presentation() {
                         setup->hide();
                 },
             .closeSetup = [this] { setupWindow().reject(); },
-            .askToOpenLoginItems =
-                [this](const QString& description, std::function<void()> open) {
-                    loginItemAlert.ask(description, std::move(open));
-                }};
+            .tell = [this](const Notice& told) { notice.tell(told); }};
 }
 
 CaptureSession ResidentProgram::makeCaptureSession(std::function<void()> needsPermission) {

@@ -2,7 +2,7 @@
 
 #include "App/AppController.h"
 #include "App/LaunchAtLoginService.h"
-#include "App/LoginItemAlert.h"
+#include "App/NoticeWindow.h"
 #include "App/StatusItem.h"
 #include "App/TerminationSignals.h"
 #include "Capture/CaptureSessionCoordinator.h"
@@ -50,6 +50,7 @@ private:
     std::unique_ptr<ProblemReportModel> makeReportModel();
     SettingsWindow& settingsWindow();
     SetupWindow& setupWindow();
+    void sayWhereTheProgramIs();
     static void saveAtExit();
 
     /// The one whose journal is saved when the toolkit ends the process, which it does without returning
@@ -85,9 +86,9 @@ private:
     PanelSources panelSources;
     std::unique_ptr<SettingsWindow> settings;
     std::unique_ptr<SetupWindow> setup;
-    LoginItemAlert loginItemAlert;
     StatusNotifierHost busPanels;
     X11TrayHost embeddingPanels;
     StatusItem statusItem;
     TerminationSignals signals;
+    NoticeWindow notice;
 };

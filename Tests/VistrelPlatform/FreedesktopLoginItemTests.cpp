@@ -102,8 +102,10 @@ TEST_F(LoginItemTest, TheDesktopStartsProgramsWithAnyPath) {
 TEST_F(LoginItemTest, SettingsPagesAreTriedInOrder) {
     const ScopedEnvironment programs("PATH", QFile::encodeName(path(u"bin"_s)) + ":/bin:/usr/bin");
     for (const Desktop desktop : {Desktop::unknown, Desktop::xfce})
-        EXPECT_FALSE(DesktopSettingsPages(desktop).open(SettingsPage::keyboardShortcuts));
+        EXPECT_FALSE(DesktopSettingsPages(desktop).has(SettingsPage::keyboardShortcuts) ||
+                     DesktopSettingsPages(desktop).open(SettingsPage::keyboardShortcuts));
     makeProgram(u"bin/systemsettings5"_s);
+    EXPECT_TRUE(DesktopSettingsPages(Desktop::kde).has(SettingsPage::keyboardShortcuts));
     EXPECT_TRUE(DesktopSettingsPages(Desktop::kde).open(SettingsPage::keyboardShortcuts));
     EXPECT_EQ(noted(), path(u"bin/systemsettings5\nkcm_keys\n"_s));
     makeProgram(u"bin/systemsettings"_s);

@@ -116,15 +116,24 @@ void AppController::toggleLaunchAtLogin() {
     if (const auto changed = login.toggle(); changed) {
         if (login.status() == LoginItemStatus::requiresApproval)
             openLoginItems();
-    } else if (presentation.askToOpenLoginItems) {
-        presentation.askToOpenLoginItems(changed.error().description, [this] { openLoginItems(); });
+    } else {
+        Notice failure{.text = QStringLiteral("Couldn't change Launch at Login"),
+                       .details = changed.error().description};
+        if (hasSettings(SettingsPage::loginItems)) {
+            failure.choice = QStringLiteral("Open Login Items");
+            failure.onChoice = [this] { openLoginItems(); };
+        }
+        tell(failure);
     }
     refreshMenu();
 }
 
 void AppController::openLoginItems() {
-    // Where the desktop has no such page there is nothing to say: the menu shows the state.
-    static_cast<void>(services.settingsPages.open(SettingsPage::loginItems));
+    if (!services.settingsPages.open(SettingsPage::loginItems))
+        tell({.text = QStringLiteral("This desktop has no settings page for what starts at login"),
+              .details = QStringLiteral(
+                  "Vistrel’s entry there is switched off. Choose Launch at Login in Vistrel’s menu twice: "
+                  "the first time removes the entry, the second adds it anew.")});
 }
 
 void AppController::quit() {
@@ -158,6 +167,11 @@ void AppController::refreshMenu() {
 void AppController::hideWindows() {
     call(presentation.hideSettings);
     call(presentation.hideSetup);
+}
+
+void AppController::tell(const Notice& notice) {
+    if (presentation.tell)
+        presentation.tell(notice);
 }
 
 void AppController::journal(Diagnostic::Action action, const Diagnostic::Details& details) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "App/CaptureSession.h"
+#include "App/Notice.h"
 #include "App/OnboardingFlow.h"
 #include "App/ScreenAccessRequest.h"
 #include "App/ShortcutSetupAlert.h"
@@ -64,9 +65,7 @@ public:
         std::function<void()> hideSetup;
         /// As if the user had closed it; `setupWindowWillClose` follows.
         std::function<void()> closeSetup;
-        /// Tells about a login item that could not be changed; `open` is called when the user wants to see
-        /// the page.
-        std::function<void(const QString& description, std::function<void()> open)> askToOpenLoginItems;
+        std::function<void(const Notice&)> tell;
     };
 
     explicit AppController(Services supplied, QObject* parent = nullptr);
@@ -116,6 +115,7 @@ public:
     void requestPermission();
     void completeOnboarding();
     void showCaptureShortcutSetup();
+    bool hasSettings(SettingsPage page) const { return services.settingsPages.has(page); }
     /// Opens a page of the desktop's settings; where there is none, `shortcutMessage` says the way.
     void openSettings(SettingsPage page);
     void presentSettingsWindow();
@@ -131,6 +131,8 @@ Q_SIGNALS:
     void firstRunChanged();
     void screenAccessSetupPendingChanged();
     void onboardingChanged();
+    /// The setup is over and nothing else is shown.
+    void onboardingCompleted();
     void statusMenuChanged();
 
 private:
@@ -138,6 +140,7 @@ private:
     void hotKeyPressed(CaptureTime::Instant instant);
     void readSetupState();
     void applyLaunchAtLoginDefault();
+    void tell(const Notice& notice);
     void journal(Diagnostic::Action action, const Diagnostic::Details& details = {});
 
     void registerStoredShortcuts();

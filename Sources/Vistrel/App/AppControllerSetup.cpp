@@ -68,6 +68,8 @@ void AppController::completeOnboarding() {
     call(presentation.closeSetup);
     if (returnToSettings)
         presentSettingsWindow();
+    else
+        Q_EMIT onboardingCompleted();
 }
 
 void AppController::showCaptureShortcutSetup() {

@@ -34,10 +34,14 @@ QUrl HTTPSReportSender::endpoint(const ApplicationBundle& bundle) {
     return service;
 }
 
+bool HTTPSReportSender::hasAddress() const {
+    return url.scheme() == QLatin1StringView("https");
+}
+
 QFuture<Result<void>> HTTPSReportSender::send(const QByteArray& report, const QUuid& reportID) {
     if (report.size() > largestReport)
         return failed(ReportUploadError::tooLarge);
-    if (url.scheme() != QLatin1StringView("https"))
+    if (!hasAddress())
         return failed(ReportUploadError::unavailable);
     const Result<NetworkServices*> services = network();
     if (!services)

@@ -34,6 +34,7 @@ public:
     /// a program that names none, so that nothing can be sent.
     static QUrl endpoint(const ApplicationBundle& bundle);
 
+    bool hasAddress() const override;
     QFuture<Result<void>> send(const QByteArray& report, const QUuid& reportID) override;
 
 private:

@@ -23,6 +23,7 @@ ProblemReportModel::ProblemReportModel(Services reportServices, QObject* parent)
         services.displayCount = [] { return static_cast<int>(QGuiApplication::screens().size()); };
     if (!services.machine)
         services.machine = MachineFacts::current;
+    statusLine = idleStatus();
 }
 
 void ProblemReportModel::setMessage(const QString& text) {
@@ -33,11 +34,11 @@ void ProblemReportModel::setMessage(const QString& text) {
     if (!changed || confirmed)
         return;
     pending.reset();
-    setStatus(QString());
+    setStatus(idleStatus());
 }
 
 void ProblemReportModel::send() {
-    if (isWorking || confirmed)
+    if (isWorking || confirmed || !canSend())
         return;
     setWorking(true);
     setStatus(QStringLiteral("Sending…"));
@@ -137,6 +138,10 @@ std::optional<QString> ProblemReportModel::hardwareModel(const std::optional<QSt
 void ProblemReportModel::setWorking(bool working) {
     isWorking = working;
     Q_EMIT workingChanged();
+}
+
+QString ProblemReportModel::idleStatus() const {
+    return canSend() ? QString() : QStringLiteral("This build of Vistrel has nowhere to send reports.");
 }
 
 void ProblemReportModel::setStatus(const QString& text) {

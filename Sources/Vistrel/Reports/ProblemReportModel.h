@@ -44,7 +44,9 @@ public:
     /// The report that the service confirmed.
     std::optional<QUuid> sentReportID() const { return confirmed; }
 
-    /// Does nothing while an attempt is under way or after a confirmed one.
+    /// False in a build that has nowhere to send reports; the status says so.
+    bool canSend() const { return services.sender.hasAddress(); }
+    /// Does nothing then, nor while an attempt is under way or after a confirmed one.
     void send();
 
     static QString limitedComment(const QString& text);
@@ -71,6 +73,8 @@ private:
     void upload(const QString& text);
     void conclude(const QString& text, const QUuid& id, const Result<void>& result);
     void setWorking(bool working);
+    /// Before anything was tried.
+    QString idleStatus() const;
     void setStatus(const QString& text);
     void setConfirmed(std::optional<QUuid> reportID);
 

@@ -3,6 +3,7 @@
 #include <QProcess>
 #include <QStandardPaths>
 
+#include <algorithm>
 #include <array>
 
 namespace {
@@ -21,14 +22,10 @@ constexpr std::array rows = {
     Row{Desktop::gnome, SettingsPage::loginItems, "gnome-tweaks"},
     Row{Desktop::gnome, SettingsPage::loginItems, "gnome-session-properties"},
     Row{Desktop::gnome, SettingsPage::loginItems, "gnome-control-center applications"},
-    Row{Desktop::gnome, SettingsPage::shareExtensions, "gnome-control-center default-apps"},
-    Row{Desktop::gnome, SettingsPage::shareExtensions, "gnome-control-center applications"},
     Row{Desktop::cinnamon, SettingsPage::keyboardShortcuts, "cinnamon-settings keyboard -t shortcuts"},
     Row{Desktop::cinnamon, SettingsPage::loginItems, "cinnamon-settings startup"},
-    Row{Desktop::cinnamon, SettingsPage::shareExtensions, "cinnamon-settings default"},
     Row{Desktop::mate, SettingsPage::keyboardShortcuts, "mate-keybinding-properties"},
     Row{Desktop::mate, SettingsPage::loginItems, "mate-session-properties"},
-    Row{Desktop::mate, SettingsPage::shareExtensions, "mate-default-applications-properties"},
     Row{Desktop::kde, SettingsPage::keyboardShortcuts, "systemsettings kcm_keys"},
     Row{Desktop::kde, SettingsPage::keyboardShortcuts, "systemsettings5 kcm_keys"},
     Row{Desktop::kde, SettingsPage::keyboardShortcuts, "kcmshell5 kcm_keys"},
@@ -37,14 +34,10 @@ constexpr std::array rows = {
     Row{Desktop::kde, SettingsPage::loginItems, "systemsettings kcm_autostart"},
     Row{Desktop::kde, SettingsPage::loginItems, "systemsettings5 kcm_autostart"},
     Row{Desktop::kde, SettingsPage::loginItems, "kcmshell5 kcm_autostart"},
-    Row{Desktop::kde, SettingsPage::shareExtensions, "systemsettings kcm_filetypes"},
-    Row{Desktop::kde, SettingsPage::shareExtensions, "systemsettings5 filetypes"},
     Row{Desktop::xfce, SettingsPage::keyboardShortcuts, "xfce4-keyboard-settings"},
     Row{Desktop::xfce, SettingsPage::loginItems, "xfce4-session-settings"},
-    Row{Desktop::xfce, SettingsPage::shareExtensions, "xfce4-mime-settings"},
     Row{Desktop::lxqt, SettingsPage::keyboardShortcuts, "lxqt-config-globalkeyshortcuts"},
     Row{Desktop::lxqt, SettingsPage::loginItems, "lxqt-config-session"},
-    Row{Desktop::lxqt, SettingsPage::shareExtensions, "lxqt-config-file-associations"},
 };
 
 } // namespace
@@ -53,14 +46,26 @@ DesktopSettingsPages::DesktopSettingsPages() : DesktopSettingsPages(desktopNamed
 
 DesktopSettingsPages::DesktopSettingsPages(Desktop running) : desktop(running) {}
 
+bool DesktopSettingsPages::has(SettingsPage page) const {
+    return !commands(page).empty();
+}
+
 bool DesktopSettingsPages::open(SettingsPage page) {
+    return std::ranges::any_of(commands(page), [](QStringList command) {
+        const QString program = command.takeFirst();
+        return QProcess::startDetached(program, command);
+    });
+}
+
+std::vector<QStringList> DesktopSettingsPages::commands(SettingsPage page) const {
+    std::vector<QStringList> installed;
     for (const Row& row : rows) {
         if (row.desktop != desktop || row.page != page)
             continue;
-        QStringList arguments = QString::fromLatin1(row.command).split(u' ');
-        const QString program = QStandardPaths::findExecutable(arguments.takeFirst());
-        if (!program.isEmpty() && QProcess::startDetached(program, arguments))
-            return true;
+        QStringList command = QString::fromLatin1(row.command).split(u' ');
+        command.front() = QStandardPaths::findExecutable(command.front());
+        if (!command.front().isEmpty())
+            installed.push_back(command);
     }
-    return false;
+    return installed;
 }

@@ -28,6 +28,7 @@ public:
         QPromise<Result<void>> promise;
     };
 
+    bool hasAddress() const override { return reachable; }
     QFuture<Result<void>> send(const QByteArray& report, const QUuid& reportID) override {
         Upload& upload = uploads.emplace_back();
         upload.data = report;
@@ -41,6 +42,7 @@ public:
     }
 
     std::deque<Upload> uploads;
+    bool reachable = true;
 };
 
 class ProblemReportModelTests : public ::testing::Test {
@@ -102,6 +104,17 @@ TEST_F(ProblemReportModelTests, theDocumentIsCompactSortedAndComplete) {
               R"({"action":"undo","date":date,"details":{"tool":9},"launch":launch,"version":"1.4.2"},)"
               R"({"action":"copyRequested","date":date,"details":{},"launch":launch,"version":"1.4.2"}],)"
               R"("installationID":"this installation","reportID":"this report","schema":2})");
+}
+
+TEST_F(ProblemReportModelTests, aBuildWithoutAnAddressSaysSoAndTriesNothing) {
+    sender.reachable = false;
+    ProblemReportModel nowhere({journal, preferences, defaults, sender, {}, {}, {}});
+    const QString said = nowhere.status();
+    EXPECT_TRUE(said.contains(u"nowhere"_s)) << said.toStdString();
+    nowhere.setMessage(u"typed"_s);
+    nowhere.send();
+    EXPECT_FALSE(nowhere.working());
+    EXPECT_EQ(nowhere.status(), said);
 }
 
 TEST_F(ProblemReportModelTests, anEditAfterAFailureIsANewReport) {
