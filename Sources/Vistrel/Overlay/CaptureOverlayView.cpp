@@ -262,11 +262,9 @@ void CaptureOverlayView::press(QMouseEvent* event, int clickCount) {
         event->ignore();
         return;
     }
-    const Point p = pointerMoved(ExactPosition::of(*event, *this));
-    if (isOverPanel())
-        return; // On the panel's last row or column, which the toolkit's rounding takes for the canvas.
     if (!isActiveWindow())
         window()->activateWindow();
+    const Point p = pointerMoved(ExactPosition::of(*event, *this));
     // The first click of a double click may have been a button's that has since gone.
     const auto before = std::exchange(canvas->pressedAt, event->timestamp());
     const auto interval = static_cast<quint64>(QGuiApplication::styleHints()->mouseDoubleClickInterval());
@@ -338,16 +336,13 @@ void CaptureOverlayView::refreshCanvasCursor() {
     const bool isGesture = editor->session.document.drag.has_value();
     if (!isGesture && !QRectF(rect()).contains(position))
         return;
-    const CanvasCursor next =
-        CanvasCursor::at(canvas->space.pointer(position), editor->session.document, isOverPanel());
-    if (canvas->cursor != next)
-        showCursor(next);
-}
-
-bool CaptureOverlayView::isOverPanel() const {
     // Panels are painted to the nearest pixel.
     const double halfPixel = 0.5 / canvas->space.scale();
-    return canvas->panels && canvas->panels->isOver(*canvas->pointer + QPointF(halfPixel, halfPixel));
+    const bool overPanel = canvas->panels && canvas->panels->isOver(position + QPointF(halfPixel, halfPixel));
+    const CanvasCursor next =
+        CanvasCursor::at(canvas->space.pointer(position), editor->session.document, overPanel);
+    if (canvas->cursor != next)
+        showCursor(next);
 }
 
 void CaptureOverlayView::showCursor(const CanvasCursor& cursor) {

@@ -80,7 +80,6 @@ private:
     OverlayHooks makeHooks();
     void press(QMouseEvent* event, int clickCount);
     Point pointerMoved(QPointF position);
-    bool isOverPanel() const;
     KeyFocus keyFocus() const;
     void share(QWidget& button);
     void updatePanels();

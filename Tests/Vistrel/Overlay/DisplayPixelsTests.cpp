@@ -126,23 +126,4 @@ TEST(DisplayPixelsTests, theEdgesOfASelectionBelongToThePixelsInIt) {
     }
 }
 
-TEST(DisplayPixelsTests, everyPixelOfAPanelIsThePanels) {
-    for (const double scale : {1.0, 1.25, 1.5, 2.0}) {
-        SCOPED_TRACE(scale);
-        HandOnDisplay hand({1366, 768}, scale);
-        hand.drag({301, 101}, {602, 304});
-        const QRect panel = hand.view.findChild<QWidget*>(u"layersPanel"_s)->geometry();
-        const QPoint middle(qRound(panel.center().x() * scale), qRound(panel.center().y() * scale));
-        const int right = qRound((panel.left() + panel.width()) * scale);
-        const int bottom = qRound((panel.top() + panel.height()) * scale);
-        for (const QPoint inside : {QPoint(right - 1, middle.y()), QPoint(middle.x(), bottom - 1)}) {
-            hand.doubleClick(inside);
-            EXPECT_EQ(hand.closed, 0) << inside.x() << ' ' << inside.y();
-        }
-        hand.doubleClick({right, middle.y()});
-        hand.doubleClick({middle.x(), bottom});
-        EXPECT_EQ(hand.closed, 2) << "right beside it is outside";
-    }
-}
-
 } // namespace
