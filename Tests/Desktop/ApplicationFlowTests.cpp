@@ -306,5 +306,5 @@ TEST(ApplicationFlow, TheSettingsKeepTheirDividersAtAFractionalScale) {
         dividers += qGray(row.pixel(0, 0)) < qGray(above) ? 1 : 0;
         above = row.pixel(0, 0);
     }
-    EXPECT_EQ(dividers, 4) << "below title, tabs and shortcut, and above the button";
+    EXPECT_EQ(dividers, 5) << "below title, tabs and shortcut, above the note and above the footer";
 }
