@@ -93,6 +93,18 @@ TEST_F(FileUserDefaultsTests, whatIsStoredAlreadyIsNotWrittenAgain) {
     EXPECT_EQ(readFile(path), written);
 }
 
+TEST_F(FileUserDefaultsTests, manyChangesInARowAreWrittenOnceAfterThem) {
+    FileUserDefaults defaults(path);
+    for (int step = 50; step <= 80; ++step) {
+        defaults.setNumber(scale, step);
+        QCoreApplication::processEvents();
+        ASSERT_FALSE(QFile::exists(path)) << step;
+    }
+    while (!QFile::exists(path))
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 100);
+    EXPECT_EQ(stored()[scale], 80);
+}
+
 TEST_F(FileUserDefaultsTests, aFolderThatCannotBeWrittenLeavesTheValuesInTheProcess) {
     writeFile(path, "{\"a\": 1}");
     FileUserDefaults defaults(path);

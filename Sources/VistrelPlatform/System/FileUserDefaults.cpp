@@ -5,12 +5,20 @@
 #include "VistrelPlatform/System/Log.h"
 #include "VistrelPlatform/System/Paths.h"
 
+#include <QBasicTimer>
 #include <QFile>
 #include <QMutex>
 #include <QMutexLocker>
 #include <QSettings>
 
 #include <cmath>
+
+namespace {
+
+/// Each write waits for the disk, and a slider changes its value with every step.
+constexpr int pauseBeforeWritingMS = 250;
+
+} // namespace
 
 /// QSettings is not safe for several threads, and writes from its own event: all of it under one mutex.
 class FileUserDefaults::Store : public QSettings {
@@ -28,13 +36,25 @@ public:
     }
 
     mutable QMutex mutex;
+    bool changedSince = false;
 
 protected:
     bool event(QEvent* event) override {
+        if (event->type() != QEvent::UpdateRequest)
+            return QSettings::event(event);
         const QMutexLocker locker(&mutex);
-        const bool handled = QSettings::event(event);
+        changedSince = false;
+        pause.start(pauseBeforeWritingMS, this);
+        return true;
+    }
+    void timerEvent(QTimerEvent*) override {
+        const QMutexLocker locker(&mutex);
+        if (std::exchange(changedSince, false))
+            return;
+        pause.stop();
+        QEvent request(QEvent::UpdateRequest);
+        QSettings::event(&request);
         finishWriting();
-        return handled;
     }
 
 private:
@@ -45,6 +65,7 @@ private:
         qCWarning(vistrelLog).noquote() << fileName() << "could not be written";
     }
 
+    QBasicTimer pause;
     bool failureLogged = false;
 };
 
@@ -74,6 +95,7 @@ void FileUserDefaults::setValue(const QString& key, const QJsonValue& value) {
     if (store->contains(key) && store->value(key).toJsonValue() == value)
         return;
     store->setValue(key, QVariant::fromValue(value));
+    store->changedSince = true;
 }
 
 std::optional<double> FileUserDefaults::number(const QString& key) const {
@@ -124,6 +146,8 @@ void FileUserDefaults::setData(const QString& key, const QByteArray& value) {
 
 void FileUserDefaults::remove(const QString& key) {
     const QMutexLocker locker(&store->mutex);
-    if (store->contains(key))
+    if (store->contains(key)) {
         store->remove(key);
+        store->changedSince = true;
+    }
 }

@@ -7,7 +7,8 @@
 #include <memory>
 
 /// The user defaults in a file. Made, changed and destroyed on the main thread; reading is safe from any.
-/// A change is readable at once and written when the event loop comes round, at the latest at the end.
+/// A change is readable at once and written when no other has followed for a moment, at the latest at the
+/// end.
 class FileUserDefaults : public UserDefaults {
 public:
     /// The user's own file, "defaults.json" in `Paths::config()`.
