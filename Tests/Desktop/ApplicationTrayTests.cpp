@@ -48,6 +48,17 @@ public:
         return {};
     }
 
+    /// Whether something stands out from the ground where a menu's first item has its icon.
+    static bool hasIcon(const QImage& menuPixels) {
+        const QImage place = menuPixels.copy(4, 4, 32, 24);
+        const int ground = qGray(place.pixel(0, 0));
+        int most = 0;
+        for (int i = 0; i < place.width() * place.height(); ++i)
+            most =
+                std::max(most, std::abs(qGray(place.pixel(i % place.width(), i / place.width())) - ground));
+        return most > 70;
+    }
+
     /// Left click, right click, the menu by keyboard, and the left click again.
     void useIcon() {
         // A panel that has just come may still move what it took in.
@@ -59,6 +70,7 @@ public:
         ASSERT_TRUE(waitUntil([&] { return !menu().isNull(); }));
         // It outlives the moment at which the toolkit notices that the capture is over.
         const QImage untouched = settled(menu(), 250);
+        EXPECT_TRUE(hasIcon(untouched));
         ASSERT_TRUE(waitUntil([&] {
             key(Key::downArrow); // Capture Screenshot
             return waitUntil([&] { return session.screenPixels(menu()) != untouched; },
@@ -105,7 +117,12 @@ TEST(ApplicationTray, APanelThatAsksOverTheBusShowsTheItemWheneverItComes) {
         return;
     PanelOnDesktop vistrel(desktopWithBus());
     vistrel.start();
-    // The encoded colour is #202020.
+    // Its menus are as dark as the panel, whatever colours the program has. The encoded colour is #202020.
+    writeFile(
+        vistrel.session.dataHome() + u"/lxqt/themes/night/lxqt-panel.qss"_s,
+        "QMenu { background-color: #202020; color: white; } QMenu::item { padding: 4px 20px 4px 30px; } "
+              "QMenu::item:selected { background-color: #4060a0; }");
+    writeFile(vistrel.session.configHome() + u"/lxqt/lxqt.conf"_s, "[General]\ntheme=night\n");
     writeFile(vistrel.session.configHome() + u"/lxqt/panel.conf"_s,
               "[General]\n__userfile__=true\npanels=panel1\n[panel1]\nplugins=statusnotifier\n"
               "position=Bottom\npanelSize=40\niconSize=24\nlineCount=1\nwidth=100\nwidth-percent=true\n"

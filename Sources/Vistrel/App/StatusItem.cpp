@@ -16,23 +16,35 @@ constexpr double menuIconSize = 18;
 /// Panels show the item some time after it was offered.
 constexpr int settlingTimeMS = 400;
 constexpr int darkLuminance = 128;
+/// Stands out from a light menu as from a dark one.
+constexpr QColor neutralInk(0x8a, 0x8a, 0x8a);
 
 QColor textColor() {
     return QGuiApplication::palette().color(QPalette::WindowText);
 }
 
-QIcon menuIcon(const QString& name, const QString& symbol) {
+QIcon menuIcon(const QString& name, const QString& symbol, const QColor& ink) {
     QIcon icon;
     for (const double ratio : {1.0, 2.0}) {
-        if (const auto image = EditorIcons::image(name, symbol, menuIconSize, ratio))
-            icon.addPixmap(image->pixmap(textColor(), ratio));
+        const auto image = EditorIcons::image(name, symbol, menuIconSize, ratio);
+        if (!image)
+            continue;
+        QPixmap pixmap = image->pixmap(ink, ratio);
+        // Thin lines in a middle tone would fade: drawn over themselves they do not.
+        if (ink == neutralInk) {
+            const QPixmap once = pixmap;
+            QPainter painter(&pixmap);
+            for (int layer = 0; layer < 2; ++layer)
+                painter.drawPixmap(QPoint(), once);
+        }
+        icon.addPixmap(pixmap);
     }
     return icon;
 }
 
 /// Menus that draw an icon leave no room for a mark, so the icon itself shows it: a tick where the item
 /// is on, and a dash for the third state, which menus do not have at all.
-void addMarks(QIcon& icon, StatusMenu::Check check) {
+void addMarks(QIcon& icon, StatusMenu::Check check, const QColor& ink) {
     const bool mixed = check == StatusMenu::Check::mixed;
     for (const double ratio : {1.0, 2.0}) {
         QPixmap pixmap(QSizeF(menuIconSize, menuIconSize).toSize() * ratio);
@@ -40,7 +52,7 @@ void addMarks(QIcon& icon, StatusMenu::Check check) {
         pixmap.fill(Qt::transparent);
         QPainter painter(&pixmap);
         painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(QPen(textColor(), 2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        painter.setPen(QPen(ink, 2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
         if (mixed)
             painter.drawLine(QPointF(5, 9), QPointF(13, 9));
         else
@@ -54,7 +66,7 @@ QString escaped(QString title) {
     return title.replace(u'&', QStringLiteral("&&"));
 }
 
-void apply(const StatusMenu::Item& item, QAction& action) {
+void apply(const StatusMenu::Item& item, QAction& action, const QColor& ink) {
     if (item.isSeparator()) {
         action.setSeparator(true);
         return;
@@ -67,9 +79,9 @@ void apply(const StatusMenu::Item& item, QAction& action) {
     action.setChecked(item.check == StatusMenu::Check::on);
     QIcon icon;
     if (!item.icon.isEmpty() && item.check != StatusMenu::Check::mixed)
-        icon = menuIcon(item.icon, item.symbol);
+        icon = menuIcon(item.icon, item.symbol, ink);
     if (item.check != StatusMenu::Check::notCheckable)
-        addMarks(icon, item.check);
+        addMarks(icon, item.check, ink);
     action.setIcon(icon);
 }
 
@@ -133,6 +145,9 @@ void StatusItem::appearWhenPossible() {
         return;
     if (!tray) {
         // Not earlier: the toolkit decides for good, with the first item, how items are shown.
+        hostDrawsMenu = std::any_of(hosts.begin(), hosts.end(), [](const TrayHost* host) {
+            return host->isPresent() && host->drawsMenus();
+        });
         rebuildMenu();
         tray = std::make_unique<QSystemTrayIcon>();
         tray->setToolTip(QStringLiteral("Click to capture. Right-click for menu."));
@@ -164,7 +179,7 @@ void StatusItem::updateMenu() {
         return rebuildMenu();
     // The menu may be open: what is there stays where it is.
     for (std::size_t index = 0; index < items.size(); ++index)
-        apply(items[index], *actions[static_cast<qsizetype>(index)]);
+        apply(items[index], *actions[static_cast<qsizetype>(index)], menuInk());
     shown = items;
 }
 
@@ -173,7 +188,7 @@ void StatusItem::rebuildMenu() {
     shown = controller.statusMenu();
     for (const StatusMenu::Item& item : shown) {
         QAction* action = menu.addAction(QString());
-        apply(item, *action);
+        apply(item, *action, menuInk());
         // Later: the command may build this menu anew.
         connect(
             action, &QAction::triggered, this,
@@ -183,6 +198,10 @@ void StatusItem::rebuildMenu() {
             },
             Qt::QueuedConnection);
     }
+}
+
+QColor StatusItem::menuInk() const {
+    return hostDrawsMenu ? neutralInk : menu.palette().color(QPalette::WindowText);
 }
 
 void StatusItem::correctChecks() {

@@ -35,6 +35,7 @@ private:
     void appearWhenPossible();
     void updateMenu();
     void rebuildMenu();
+    QColor menuInk() const;
     void correctChecks();
     void updateIcon();
 
@@ -44,6 +45,7 @@ private:
     QMenu menu;
     std::vector<StatusMenu::Item> shown;
     std::unique_ptr<QSystemTrayIcon> tray;
+    bool hostDrawsMenu = false;
     bool menuJustClosed = false;
     Qt::ApplicationState knownState = Qt::ApplicationInactive;
 };

@@ -12,6 +12,7 @@ public:
     explicit StatusNotifierHost(const QDBusConnection& connection = QDBusConnection::sessionBus());
 
     bool isPresent() const override { return present; }
+    bool drawsMenus() const override { return true; }
 
 private Q_SLOTS:
     void ask();

@@ -14,6 +14,7 @@ public:
     ~X11TrayHost() override;
 
     bool isPresent() const override { return present; }
+    bool drawsMenus() const override { return false; }
 
 private:
     bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* result) override;
