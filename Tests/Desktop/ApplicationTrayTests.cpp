@@ -121,7 +121,7 @@ TEST(ApplicationTray, APanelThatAsksOverTheBusShowsTheItemWheneverItComes) {
     writeFile(
         vistrel.session.dataHome() + u"/lxqt/themes/night/lxqt-panel.qss"_s,
         "QMenu { background-color: #202020; color: white; } QMenu::item { padding: 4px 20px 4px 30px; } "
-              "QMenu::item:selected { background-color: #4060a0; }");
+        "QMenu::item:selected { background-color: #4060a0; }");
     writeFile(vistrel.session.configHome() + u"/lxqt/lxqt.conf"_s, "[General]\ntheme=night\n");
     writeFile(vistrel.session.configHome() + u"/lxqt/panel.conf"_s,
               "[General]\n__userfile__=true\npanels=panel1\n[panel1]\nplugins=statusnotifier\n"
